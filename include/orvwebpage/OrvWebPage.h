@@ -1,0 +1,4 @@
+#pragma once
+
+// Everything a user of the library needs.
+#include "orvwebpage/OrvExport.h"

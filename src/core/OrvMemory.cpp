@@ -1,0 +1,3 @@
+#include "core/OrvMemory.h"
+
+void OrvOutOfMemory() { std::abort(); }

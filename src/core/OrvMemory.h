@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <utility>
+
+// Exhausted memory has no recovery path anywhere in the library, so every
+// allocation goes through here and ends the process instead of handing on NULL.
+
+[[noreturn]] void OrvOutOfMemory();
+
+inline void* OrvAllocBytes(std::size_t bytes) {
+  void* p = std::malloc(bytes ? bytes : 1);
+  if (!p) OrvOutOfMemory();
+  return p;
+}
+
+inline void OrvFreeBytes(void* p) { std::free(p); }
+
+inline void* OrvReallocBytes(void* p, std::size_t bytes) {
+  void* q = std::realloc(p, bytes ? bytes : 1);
+  if (!q) OrvOutOfMemory();
+  return q;
+}
+
+template <class T, class... Args>
+T* OrvNew(Args&&... args) {
+  T* p = new (std::nothrow) T(std::forward<Args>(args)...);
+  if (!p) OrvOutOfMemory();
+  return p;
+}
+
+template <class T>
+void OrvDelete(T* p) {
+  delete p;
+}
+
+// Value-initialised array of n elements (n may be 0).
+template <class T>
+T* OrvNewArray(std::size_t n) {
+  T* p = new (std::nothrow) T[n ? n : 1]();
+  if (!p) OrvOutOfMemory();
+  return p;
+}
+
+template <class T>
+void OrvDeleteArray(T* p) {
+  delete[] p;
+}
+
+// For standard containers inside the library: same policy, no bad_alloc.
+template <class T>
+struct OrvAllocator {
+  using value_type = T;
+  OrvAllocator() noexcept = default;
+  template <class U>
+  OrvAllocator(const OrvAllocator<U>&) noexcept {}
+  T* allocate(std::size_t n) { return static_cast<T*>(OrvAllocBytes(n * sizeof(T))); }
+  void deallocate(T* p, std::size_t) noexcept { OrvFreeBytes(p); }
+  template <class U>
+  bool operator==(const OrvAllocator<U>&) const noexcept { return true; }
+};

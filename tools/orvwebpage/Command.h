@@ -1,0 +1,23 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <stdexcept>
+#include <string>
+
+// A subcommand: its CLI11 app (options bound to locals of the factory) and
+// the action to run once it was chosen. The action returns the exit status.
+struct Command {
+  CLI::App* app = nullptr;
+  std::function<int()> run;
+};
+
+// Anything that stops a command after parsing: exit status 1, one line on stderr.
+struct CommandError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// Contents of a file, or of stdin for "-".
+std::string ReadInput(const std::string& path);
+
+// Command factories, one per subcommand, each in a file of its own.
