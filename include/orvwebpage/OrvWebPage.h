@@ -2,3 +2,4 @@
 
 // Everything a user of the library needs.
 #include "orvwebpage/OrvExport.h"
+#include "orvwebpage/OrvString.h"
