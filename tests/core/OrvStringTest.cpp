@@ -86,7 +86,7 @@ TEST(OrvString, LengthRule) {
       {"", -1, ""},
   };
   for (const auto& c : cases) {
-    std::string where = std::string(c.text ? c.text : "(null)") + "/" + std::to_string(c.length);
+    std::string where = c.want + "/" + std::to_string(c.length);
     OrvString built(c.text, c.length);
     ExpectWellFormed(built, where);
     EXPECT_EQ(Text(built), c.want) << where;
