@@ -3,3 +3,4 @@
 // Everything a user of the library needs.
 #include "orvwebpage/OrvExport.h"
 #include "orvwebpage/OrvString.h"
+#include "orvwebpage/OrvItem.h"
