@@ -1,0 +1,131 @@
+#include "url/OrvWebPageUrl.h"
+
+#include <cstring>
+
+#include "core/OrvGrowArray.h"
+#include "core/OrvMemory.h"
+
+OrvWebPageUrl::OrvWebPageUrl() : params(nullptr), paramCount(0), paramCapacity(0) {}
+
+OrvWebPageUrl::OrvWebPageUrl(const OrvWebPageUrl& other) : OrvWebPageUrl() { *this = other; }
+
+OrvWebPageUrl& OrvWebPageUrl::operator=(const OrvWebPageUrl& other) {
+  if (this == &other) return *this;
+  url = other.url;
+  scheme = other.scheme;
+  host = other.host;
+  dirs = other.dirs;
+  stem = other.stem;
+  ext = other.ext;
+  AssignParams(params, paramCount, paramCapacity, other.params, other.paramCount);
+  return *this;
+}
+
+OrvWebPageUrl::~OrvWebPageUrl() { OrvDeleteArray(params); }
+
+void OrvWebPageUrl::Parse(uint8_t sortParams) {
+  url.TrimBanks();
+  scheme.Clear();
+  host.Clear();
+  dirs.RemoveAll(0);
+  paramCount = 0;
+
+  // The parts are read up to the first NUL, as from a C text.
+  const char* text = url.buf;
+  int32_t n = 0;
+  if (url.len > 0) {
+    const void* nul = std::memchr(text, 0, size_t(url.len));
+    n = nul ? int32_t(static_cast<const char*>(nul) - text) : url.len;
+  }
+
+  // A scheme is 1 to 10 bytes of anything before a colon.
+  int32_t pos = 0;
+  const void* colon = n > 0 ? std::memchr(text, ':', size_t(n < 11 ? n : 11)) : nullptr;
+  if (colon) {
+    int32_t i = int32_t(static_cast<const char*>(colon) - text);
+    scheme.CopyBuf(text, i);
+    pos = i + 1;
+  }
+
+  if (n - pos >= 2) {
+    if (text[pos] == '/' && text[pos + 1] == '/') pos += 2;
+    if (pos < n) {
+      const void* slash = std::memchr(text + pos, '/', size_t(n - pos));
+      int32_t end = slash ? int32_t(static_cast<const char*>(slash) - text) : n;
+      host.CopyBuf(text + pos, end - pos);
+      pos = slash ? end + 1 : n;
+    }
+  }
+
+  SplitPath(dirs, stem, ext, params, paramCount, paramCapacity, text ? text + pos : "", n - pos);
+  if (sortParams) SortParams(params, 0, paramCount - 1, CompareParamNames);
+}
+
+void OrvWebPageUrl::Rebuild() {
+  long size = long(scheme.len) + host.len + stem.len + ext.len + 8;
+  for (int32_t i = 0; i < dirs.count; i++) size += dirs.GetStringLen(i) + 1;
+  for (int32_t i = 0; i < paramCount; i++) size += long(params[i].name.len) + params[i].value.len + 2;
+  url.Clear();
+  url.Reserve(size);
+  if (scheme.len > 0) {
+    url += scheme;
+    url += ':';
+  }
+  if (host.len > 0) {
+    url.Append("//", 2);
+    url += host;
+  }
+  url += '/';
+  for (int32_t i = 0; i < dirs.count; i++) {
+    url.Append(dirs[i], dirs.GetStringLen(i));
+    url += '/';
+  }
+  if (stem.len > 0) {
+    url += stem;
+    if (ext.len > 0) {
+      url += '.';
+      url += ext;
+    }
+  }
+  for (int32_t i = 0; i < paramCount; i++) {
+    url += i == 0 ? '?' : '&';
+    url += params[i].name;
+    url += '=';
+    url += params[i].value;
+  }
+}
+
+int32_t OrvWebPageUrl::CompareParamNames(const OrvUrlParam* a, const OrvUrlParam* b) {
+  int32_t la = a->name.len, lb = b->name.len;
+  int c = Orvmemcmp(a->name.buf, b->name.buf, la < lb ? la : lb);
+  if (c) return c;
+  return la - lb;  // both in 0..INT32_MAX, so this cannot overflow
+}
+
+void OrvWebPageUrl::AssignParams(OrvUrlParam*& to, int32_t& toCount, int32_t& toCapacity,
+                                 const OrvUrlParam* from, int32_t fromCount) {
+  if (to == from && to) {
+    toCount = fromCount;
+    return;
+  }
+  if (fromCount < 0) fromCount = 0;
+  if (toCapacity < fromCount) {
+    OrvDeleteArray(to);
+    toCapacity = OrvGrow::Capacity(int64_t(fromCount) + 1);
+    to = OrvNewArray<OrvUrlParam>(size_t(toCapacity));
+  }
+  toCount = fromCount;
+  for (int32_t i = 0; i < fromCount; i++) to[i] = from[i];
+}
+
+void OrvWebPageUrl::GetParamNames(OrvString& names, const OrvWebPageUrl& url) {
+  names.Clear();
+  if (url.paramCount < 1) {
+    names = "[No Query String]";
+    return;
+  }
+  for (int32_t i = 0; i < url.paramCount; i++) {
+    if (i) names += ',';
+    names += url.params[i].name;
+  }
+}
