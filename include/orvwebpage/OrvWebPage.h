@@ -4,3 +4,4 @@
 #include "orvwebpage/OrvExport.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvWebPageUrlsSearch.h"
