@@ -5,3 +5,4 @@
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
+#include "orvwebpage/OrvWebPageUrls.h"
