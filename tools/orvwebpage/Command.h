@@ -21,3 +21,4 @@ struct CommandError : std::runtime_error {
 std::string ReadInput(const std::string& path);
 
 // Command factories, one per subcommand, each in a file of its own.
+Command AddUrlCommand(CLI::App& parent);
