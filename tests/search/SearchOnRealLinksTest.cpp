@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -10,11 +11,26 @@ namespace {
 
 // The search decides level by level instead of composing each stored URL's
 // key; over the real links both must agree for every pair, matches included.
+// Short texts over the bytes that steer parsing and extraction, NUL included,
+// so that many of them share a key.
+std::vector<std::string> RandomTexts(size_t n) {
+  static const char alphabet[] = "/.?&=:#a1_%HTML\\\0\xFF";
+  std::mt19937 random(7);
+  std::vector<std::string> texts;
+  for (size_t i = 0; i < n; i++) {
+    std::string text(random() % 12, ' ');
+    for (char& c : text) c = alphabet[random() % (sizeof alphabet - 1)];
+    texts.push_back(text);
+  }
+  return texts;
+}
+
 TEST(SearchOnRealLinks, LevelByLevelMatchAgreesWithComposedKeys) {
   std::vector<std::string> texts;
   std::ifstream in(std::string(ORV_DATA_DIR) + "/links.txt", std::ios::binary);
   for (std::string line; std::getline(in, line);) texts.push_back(line);
   ASSERT_GT(texts.size(), 1000u);
+  for (auto& text : RandomTexts(3000)) texts.push_back(text);
 
   for (const char* entry : {"", "https://www.nytimes.com/", "http://localhost/"}) {
     OrvUrlSearcher searcher;
