@@ -18,12 +18,11 @@ void OrvUrlSearcher::AddUrl(const OrvString& url) {
 }
 
 void OrvUrlSearcher::ComposeKey(const OrvWebPageUrl& record, OrvString& key) const {
-  OrvString work;
-  extractor.Extract(0, work, record);
-  key = work;
+  // Level 0 replaces whatever key held, as every extractor does.
+  extractor.Extract(0, key, record);
   for (uint8_t level = 1; level <= 3; level++) {
-    extractor.Extract(level, work, record);
-    if (work.len > 0) key += work;
+    extractor.Extract(level, scratch, record);
+    if (scratch.len > 0) key += scratch;
   }
 }
 

@@ -21,6 +21,7 @@ class OrvUrlSearcher {
   OrvBlockPool<OrvWebPageUrl> urlPool;
   OrvList<OrvWebPageUrl*> foundUrls;  // points into urlPool, owns nothing
   uint32_t references = 1;            // facades sharing this object
+  mutable OrvString scratch;          // a level key on its way into a composed key
 
   void SetEntryUrl(const OrvString& url);
   void AddUrl(const OrvString& url);
