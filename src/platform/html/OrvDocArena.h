@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Memory of one document's tree: records and texts are bumped out of large
+// chunks and released all at once, by walking the chunk chain, never item by
+// item. The first chunk is kept across Reset so a document reused for page
+// after page does not go back to the allocator for small pages.
+struct OrvDocChunk {
+  OrvDocChunk* next;
+  size_t size;  // usable bytes behind the header
+};
+
+struct OrvDocArena {
+  OrvDocChunk* chunks = nullptr;  // newest first; the last one is the kept one
+  char* cursor = nullptr;
+  char* limit = nullptr;
+  size_t nextSize = kFirstChunk;
+
+  static constexpr size_t kFirstChunk = 64 * 1024;
+  static constexpr size_t kLargestChunk = 4 * 1024 * 1024;
+
+  OrvDocArena() = default;
+  OrvDocArena(const OrvDocArena&) = delete;
+  OrvDocArena& operator=(const OrvDocArena&) = delete;
+  ~OrvDocArena() { Release(); }
+
+  // Uninitialised bytes, aligned for any record.
+  void* Alloc(size_t bytes) {
+    size_t rounded = (bytes + 7) & ~size_t(7);
+    if (size_t(limit - cursor) < rounded) AddChunk(rounded);
+    void* p = cursor;
+    cursor += rounded;
+    return p;
+  }
+
+  // Empties the arena, keeping its oldest chunk for the next tree.
+  void Reset();
+  // Gives every chunk back.
+  void Release();
+
+ private:
+  void AddChunk(size_t atLeast);
+};

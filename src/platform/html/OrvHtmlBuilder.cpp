@@ -1,0 +1,278 @@
+#include "platform/html/OrvHtmlBuilder.h"
+
+#include <libxml/HTMLparser.h>
+#include <libxml/parserInternals.h>
+#include <libxml/xmlerror.h>
+
+#include <climits>
+#include <cstring>
+#include <mutex>
+
+#include "core/OrvMemory.h"
+#include "platform/html/OrvHtmlNames.h"
+#include "platform/html/OrvNameCache.h"
+#include "platform/html/OrvPageBytes.h"
+
+namespace {
+
+char kTextName[] = "$text";
+char kEmptyValue[] = "";
+
+// An end tag that matches no open element makes the parser scan its whole
+// stack of open elements, so a deep page followed by many stray end tags
+// costs depth times tags. Past this many scanned entries the rest of the page
+// is dropped instead of letting the parse run for hours.
+constexpr uint64_t kStrayEndTagBudget = uint64_t(1) << 28;
+
+class TreeBuilder {
+ public:
+  TreeBuilder(OrvDocArena& arena, bool keepBytes)
+      : arena(arena), keepBytes(keepBytes), tags(OrvHtmlTagNumber), attrs(OrvHtmlAttrNumber) {}
+  TreeBuilder(const TreeBuilder&) = delete;
+  TreeBuilder& operator=(const TreeBuilder&) = delete;
+  ~TreeBuilder() {
+    OrvFreeBytes(run);
+    OrvFreeBytes(lastChild);
+  }
+
+  htmlParserCtxtPtr ctxt = nullptr;
+  var_item* first = nullptr;
+
+  void StartElement(const char* name, const char** atts) {
+    FlushText();
+    var_item* item = NewItem();
+    const OrvCachedName& cached = tags.Get(name, arena);
+    item->tag_id = cached.number;
+    item->name = cached.copy;
+    item->name_len = cached.length;
+    var_attr** tail = &item->attr_list;
+    for (size_t i = 0; atts && atts[i]; i += 2) {
+      var_attr* attr = NewAttr(atts[i], atts[i + 1]);
+      *tail = attr;
+      tail = &attr->next;
+    }
+    Append(item);
+    PushLevel(item);
+  }
+
+  void EndElement() {
+    FlushText();
+    if (depth == 0) return;
+    depth--;
+    current = current->parent;
+  }
+
+  void Characters(const char* chars, int count) {
+    if (count <= 0) return;
+    size_t need = runLength + size_t(count);
+    if (need > runCapacity) {
+      size_t grown = runCapacity ? runCapacity * 2 : 4096;
+      while (grown < need) grown *= 2;
+      run = static_cast<char*>(OrvReallocBytes(run, grown));
+      runCapacity = grown;
+    }
+    if (keepBytes) {
+      runLength += OrvUtf8ToPageBytes(run + runLength, reinterpret_cast<const unsigned char*>(chars),
+                                      size_t(count));
+    } else {
+      std::memcpy(run + runLength, chars, size_t(count));
+      runLength += size_t(count);
+    }
+  }
+
+  void OnError(const xmlError* error) {
+    if (error->code != XML_ERR_TAG_NAME_MISMATCH || !ctxt) return;
+    strayEndTagCost += uint64_t(ctxt->nameNr > 0 ? ctxt->nameNr : 0) + 1;
+    if (strayEndTagCost > kStrayEndTagBudget) xmlStopParser(ctxt);
+  }
+
+  // Makes the text run so far an item, unless it is only ASCII whitespace.
+  void FlushText() {
+    if (runLength == 0) return;
+    size_t length = runLength;
+    runLength = 0;
+    if (length > size_t(INT32_MAX)) return;
+    size_t i = 0;
+    while (i < length && IsAsciiSpace(run[i])) i++;
+    if (i == length) return;
+    char* text = static_cast<char*>(arena.Alloc(length + 1));
+    std::memcpy(text, run, length);
+    text[length] = '\0';
+    var_item* item = NewItem();
+    item->name = kTextName;
+    item->name_len = 5;
+    item->text = text;
+    item->text_len = static_cast<int32_t>(length);
+    Append(item);
+  }
+
+ private:
+  static bool IsAsciiSpace(char c) {
+    return c == ' ' || c == '\n' || c == '\t' || c == '\r' || c == '\f';
+  }
+
+  var_item* NewItem() {
+    var_item* item = static_cast<var_item*>(arena.Alloc(sizeof(var_item)));
+    *item = var_item{};
+    return item;
+  }
+
+  var_attr* NewAttr(const char* name, const char* value) {
+    var_attr* attr = static_cast<var_attr*>(arena.Alloc(sizeof(var_attr)));
+    *attr = var_attr{};
+    const OrvCachedName& cached = attrs.Get(name, arena);
+    attr->attr_id = cached.number;
+    attr->name = cached.copy;
+    attr->name_len = cached.length;
+    size_t length = value ? std::strlen(value) : 0;
+    if (length == 0 || length > size_t(INT32_MAX)) {
+      attr->value = kEmptyValue;
+      return attr;
+    }
+    char* copy = static_cast<char*>(arena.Alloc(length + 1));
+    if (keepBytes) {
+      length = OrvUtf8ToPageBytes(copy, reinterpret_cast<const unsigned char*>(value), length);
+    } else {
+      std::memcpy(copy, value, length);
+    }
+    copy[length] = '\0';
+    attr->value = copy;
+    attr->value_len = static_cast<int32_t>(length);
+    return attr;
+  }
+
+  // Links item as the last child of the open element, or at the top level.
+  void Append(var_item* item) {
+    item->parent = current;
+    var_item*& last = depth ? lastChild[depth - 1] : lastTop;
+    if (last) {
+      last->next = item;
+    } else if (current) {
+      current->child = item;
+    } else {
+      first = item;
+    }
+    last = item;
+  }
+
+  void PushLevel(var_item* item) {
+    if (depth == lastChildCapacity) {
+      size_t grown = lastChildCapacity ? lastChildCapacity * 2 : 256;
+      lastChild = static_cast<var_item**>(OrvReallocBytes(lastChild, grown * sizeof(var_item*)));
+      lastChildCapacity = grown;
+    }
+    lastChild[depth++] = nullptr;
+    current = item;
+  }
+
+  OrvDocArena& arena;
+  bool keepBytes;
+  OrvNameCache tags;
+  OrvNameCache attrs;
+  var_item* current = nullptr;  // the open element; null at the top level
+  var_item* lastTop = nullptr;
+  var_item** lastChild = nullptr;  // last child of each open element, outermost first
+  size_t depth = 0;
+  size_t lastChildCapacity = 0;
+  char* run = nullptr;  // the text run being gathered
+  size_t runLength = 0;
+  size_t runCapacity = 0;
+  uint64_t strayEndTagCost = 0;
+};
+
+TreeBuilder* Of(void* user) { return static_cast<TreeBuilder*>(user); }
+
+void OnStartElement(void* user, const xmlChar* name, const xmlChar** atts) {
+  Of(user)->StartElement(reinterpret_cast<const char*>(name), reinterpret_cast<const char**>(atts));
+}
+
+void OnEndElement(void* user, const xmlChar*) { Of(user)->EndElement(); }
+
+void OnCharacters(void* user, const xmlChar* chars, int count) {
+  Of(user)->Characters(reinterpret_cast<const char*>(chars), count);
+}
+
+void OnStructuredError(void* user, xmlErrorPtr error) { Of(user)->OnError(error); }
+
+htmlSAXHandler MakeHandler() {
+  htmlSAXHandler sax;
+  std::memset(&sax, 0, sizeof(sax));
+  sax.startElement = OnStartElement;
+  sax.endElement = OnEndElement;
+  // Script and style bodies arrive as CDATA, whitespace the parser thinks
+  // ignorable as such: all of it is text of the run.
+  sax.characters = OnCharacters;
+  sax.cdataBlock = OnCharacters;
+  sax.ignorableWhitespace = OnCharacters;
+  sax.initialized = XML_SAX2_MAGIC;  // so the structured error hook is used
+  sax.serror = OnStructuredError;
+  return sax;
+}
+
+std::once_flag parserReady;
+
+// Pages in a 16- or 32-bit encoding carry NUL bytes as halves of characters.
+bool LooksWide(const unsigned char* p, size_t n) {
+  if (n >= 2 && ((p[0] == 0xFF && p[1] == 0xFE) || (p[0] == 0xFE && p[1] == 0xFF))) return true;
+  return n >= 4 && (p[0] == 0 || p[1] == 0) && (p[2] == 0 || p[3] == 0);
+}
+
+// The parser takes a NUL byte between elements for the end of the page, so
+// everything behind it would be lost. Browsers skip NUL bytes; so do we, in
+// a copy, unless they may belong to wide characters the page is decoded from.
+char* WithoutNulBytes(const char* text, size_t& length, bool mayBeWide) {
+  if (!std::memchr(text, 0, length)) return nullptr;
+  if (mayBeWide && LooksWide(reinterpret_cast<const unsigned char*>(text), length)) return nullptr;
+  char* copy = static_cast<char*>(OrvAllocBytes(length));
+  size_t kept = 0;
+  for (size_t i = 0; i < length; i++) {
+    if (text[i] != '\0') copy[kept++] = text[i];
+  }
+  length = kept;
+  return copy;
+}
+
+}  // namespace
+
+int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocArena& arena,
+                     var_item*& root) {
+  root = nullptr;
+  if (!text) length = 0;
+  if (length < 0) length = long(std::strlen(text));
+  if (length > long(INT_MAX)) return 1;
+  if (length == 0) return 0;
+  std::call_once(parserReady, [] { xmlInitParser(); });
+
+  size_t size = size_t(length);
+  char* cleaned = WithoutNulBytes(text, size, charset != ORV_CHARSET_BYTES);
+  if (size == 0) {
+    OrvFreeBytes(cleaned);
+    return 0;
+  }
+  htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(cleaned ? cleaned : text, int(size));
+  if (!ctxt) {
+    OrvFreeBytes(cleaned);
+    return 1;
+  }
+  TreeBuilder builder(arena, charset == ORV_CHARSET_BYTES);
+  builder.ctxt = ctxt;
+  htmlCtxtUseOptions(ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
+                               HTML_PARSE_NONET);
+  ctxt->options |= XML_PARSE_HUGE;
+  *ctxt->sax = MakeHandler();
+  ctxt->userData = &builder;
+  if (charset == ORV_CHARSET_BYTES) {
+    // Every byte a character of its own, whatever the page claims; setting the
+    // context's encoding also keeps byte-order marks from being looked for.
+    xmlSwitchEncoding(ctxt, XML_CHAR_ENCODING_8859_1);
+    ctxt->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("ISO-8859-1"));
+    ctxt->options |= HTML_PARSE_IGNORE_ENC;
+  }
+  htmlParseDocument(ctxt);
+  builder.FlushText();
+  root = builder.first;
+  ctxt->userData = ctxt;
+  htmlFreeParserCtxt(ctxt);
+  OrvFreeBytes(cleaned);
+  return 0;
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "orvwebpage/OrvHtml.h"
+#include "orvwebpage/OrvItem.h"
+#include "platform/html/OrvDocArena.h"
+
+// Parses a page with the HTML parser and builds its var_item forest in arena.
+// Returns 0 and the first top-level item (null for a page without items), or
+// non-zero when the page cannot be handed to the parser at all.
+int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocArena& arena,
+                     var_item*& root);
