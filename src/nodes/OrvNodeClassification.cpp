@@ -1,0 +1,112 @@
+#include "core/OrvMemory.h"
+#include "nodes/OrvVisibleNodeClassifier.h"
+
+namespace {
+
+inline uint64_t ItemKey(const var_item* item) {
+  return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(item));
+}
+
+}  // namespace
+
+// Parents are examined from the depth below the shallowest visible item down
+// to the deepest, outermost first, and a parent that makes a block takes
+// everything below it out of the running.
+void OrvVisibleNodeClassifier::Classify(var_item* root) {
+  minDepth = 65535;
+  maxDepth = 0;
+  WalkItems(root, 1, OnItem, this);
+
+  OrvPtrList parents;
+  OrvPtrList group;
+  parentsListed.Clear();
+  // A parent once examined would only be found again with the same outcome:
+  // no list changes during the classification and keys only ever leave
+  // `children`. So each depth looks at the parents it added.
+  int32_t examined = 0;
+  for (int64_t depth = int64_t(minDepth) + 1; depth <= maxDepth; depth++) {
+    OrvPtrList** level = levels.Find(int32_t(depth));
+    if (!level) continue;
+    CollectParents(parents, **level);
+    int32_t added = parents.count;
+    for (int32_t i = examined; i < added; i++) {
+      var_item* parent = static_cast<OrvNodeRecord*>(parents.items[i])->item;
+      OrvPtrList** found = children.Find(ItemKey(parent));
+      if (!found) continue;
+      OrvPtrList* list = *found;
+      if (list->count < 2) continue;
+      FindSimilarGroup(group, *list);
+      if (group.count < 2) continue;
+      OrvPtrList* block = classes.AddSlot();
+      block->count = 0;
+      CollectBlock(*block, *list);
+      children.Remove(ItemKey(parent));
+      if (block->count == 0) classes.count--;
+    }
+    examined = added;
+  }
+
+  OrvPtrList* page = classes.AddSlots(1);
+  page->count = 0;
+  levels.DropFlat();
+  levels.Flatten();
+  uint32_t entries = levels.flat ? levels.count : 0;
+  for (uint32_t e = 0; e < entries; e++) {
+    const OrvPtrList* list = levels.flat[e]->value;
+    for (int32_t r = 0; r < list->count; r++) {
+      auto* record = static_cast<OrvNodeRecord*>(list->items[r]);
+      if (nodeTest(record->item)) page->Add(record);
+    }
+  }
+  if (page->count == 0) classes.RemoveSlot(classes.count - 1);
+  parentsListed.Clear();
+}
+
+// `parents` grows only through here; a new (empty) list starts a new set.
+void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvPtrList& level) {
+  if (parents.count == 0) parentsListed.Clear();
+  for (int32_t r = 0; r < level.count; r++) {
+    auto* record = static_cast<OrvNodeRecord*>(level.items[r]);
+    var_item* parent = record->item->parent;
+    if (!parentsListed.Add(&parents, parent)) continue;
+    int32_t depth = static_cast<int32_t>(static_cast<uint32_t>(record->depth) - 1u);
+    parents.Add(NewRecord(depth, parent));
+  }
+}
+
+void OrvVisibleNodeClassifier::CollectBlock(OrvPtrList& block, const OrvPtrList& list) {
+  int32_t n = list.count;
+  for (int32_t r = 0; r < n; r++) CollectBelow(block, static_cast<OrvNodeRecord*>(list.items[r]));
+}
+
+void OrvVisibleNodeClassifier::PushFrame(int32_t& size, OrvNodeRecord* record, OrvPtrList* list) {
+  if (size == frameCapacity) {
+    int64_t grown = frameCapacity ? int64_t(frameCapacity) * 2 : 64;
+    if (grown > INT32_MAX) OrvOutOfMemory();
+    frames = static_cast<BelowFrame*>(OrvReallocBytes(frames, size_t(grown) * sizeof(BelowFrame)));
+    frameCapacity = int32_t(grown);
+  }
+  frames[size++] = BelowFrame{record, list, 0};
+}
+
+// Document order, parents before their children; a record's key leaves
+// `children` once everything below it is taken. The stack holds one frame per
+// level of the subtree instead of one call.
+void OrvVisibleNodeClassifier::CollectBelow(OrvPtrList& block, OrvNodeRecord* record) {
+  OrvPtrList** found = children.Find(ItemKey(record->item));
+  if (!found) return;
+  int32_t size = 0;
+  PushFrame(size, record, *found);
+  while (size > 0) {
+    BelowFrame& frame = frames[size - 1];
+    if (frame.next < frame.list->count) {
+      auto* below = static_cast<OrvNodeRecord*>(frame.list->items[frame.next++]);
+      if (nodeTest(below->item)) block.Add(below);
+      OrvPtrList** more = children.Find(ItemKey(below->item));
+      if (more) PushFrame(size, below, *more);
+    } else {
+      children.Remove(ItemKey(frame.record->item));
+      size--;
+    }
+  }
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core/OrvBlockPool.h"
+#include "core/OrvGrowArray.h"
+#include "core/OrvPtrList.h"
+#include "nodes/OrvIntMap.h"
+#include "nodes/OrvPairSet.h"
+#include "orvwebpage/OrvItem.h"
+
+// One item seen by the walk, with the depth the walk gave it.
+struct OrvNodeRecord {
+  int32_t depth;
+  var_item* item;
+};
+
+typedef bool (*OrvNodeTest)(var_item* item);
+
+// Sorts the visible items of a page into classes: one per outermost repeated
+// block (a parent with two like children), in order of the parent's depth and
+// then its place, and last the page class of every visible item.
+//
+// The walk keeps a pruned copy of the tree in two maps: records by depth
+// (`levels`) and by parent item (`children`, key 0 for the top level), holding
+// only the items that are visible or lead to one, each once. Records and lists
+// come from this object's own pools and live until Clear.
+class OrvVisibleNodeClassifier {
+ public:
+  OrvNodeTest nodeTest;
+  OrvIntMap<int32_t, OrvPtrList*> levels;
+  OrvIntMap<uint64_t, OrvPtrList*> children;
+  int32_t minDepth;
+  int32_t maxDepth;
+  OrvGrowArray<OrvPtrList> classes;  // classes.count is the class count
+
+  // Facades sharing this object.
+  int32_t references = 1;
+
+  OrvVisibleNodeClassifier();
+  virtual ~OrvVisibleNodeClassifier();
+  OrvVisibleNodeClassifier(const OrvVisibleNodeClassifier&) = delete;
+  OrvVisibleNodeClassifier& operator=(const OrvVisibleNodeClassifier&) = delete;
+
+  // The callback of WalkItems; user is the classifier.
+  static void OnItem(var_item* item, int32_t depth, void* user);
+
+  // Adds to what is there: a caller going on to another page clears first.
+  void Classify(var_item* root);
+
+  void CollectParents(OrvPtrList& parents, const OrvPtrList& level);
+  void FindSimilarGroup(OrvPtrList& group, const OrvPtrList& list);
+  static bool IsSimilarItem(var_item* a, var_item* b);
+  void CollectBlock(OrvPtrList& block, const OrvPtrList& list);
+  void CollectBelow(OrvPtrList& block, OrvNodeRecord* record);
+
+  // Drops all records, lists and classes; the maps keep their size.
+  void Clear();
+
+ private:
+  OrvBlockPool<OrvNodeRecord> recordPool;
+  OrvBlockPool<OrvPtrList> listPool;
+
+  // (list, item) for every record standing in a list of either map, so that
+  // "does this list already hold a record of this item" needs no scan.
+  OrvPairSet listed;
+  // Same for the parents list of a running classification.
+  OrvPairSet parentsListed;
+
+  // Scratch of FindSimilarGroup, kept between calls.
+  struct LikeSlot {
+    uint32_t hash;
+    int32_t first;  // index of the first record of this kind, -1: empty
+    int32_t count;
+  };
+  LikeSlot* likeSlots = nullptr;
+  uint32_t likeCapacity = 0;
+  int32_t* likeOf = nullptr;  // per record: its slot, or -1 without "class"
+  int32_t likeOfCapacity = 0;
+
+  // One frame of CollectBelow: the record whose children are being taken and
+  // how far through them it is.
+  struct BelowFrame {
+    OrvNodeRecord* record;
+    OrvPtrList* list;
+    int32_t next;
+  };
+  BelowFrame* frames = nullptr;
+  int32_t frameCapacity = 0;
+
+  OrvNodeRecord* NewRecord(int32_t depth, var_item* item);
+  OrvPtrList* ListUnder(OrvPtrList** slot);
+  void Accept(var_item* item, int32_t depth);
+  int32_t FirstWithPartner(const OrvPtrList& list);
+  void PushFrame(int32_t& size, OrvNodeRecord* record, OrvPtrList* list);
+};
