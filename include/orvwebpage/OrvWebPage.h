@@ -4,5 +4,8 @@
 #include "orvwebpage/OrvExport.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
 #include "orvwebpage/OrvWebPageUrls.h"
+#include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttp.h"

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+
+#include "orvwebpage/OrvExport.h"
+#include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvString.h"
+
+// Result of OrvHttp::Run. Only ORV_HTTP_OK means a response is there; the
+// other values say why not, for callers that care.
+enum ORV_HTTP_STATUS : int32_t {
+  ORV_HTTP_OK = 0,
+  ORV_HTTP_BAD_REQUEST = 1,    // no URL, an embedded NUL, or an unknown method
+  ORV_HTTP_NETWORK = 2,        // connect, TLS, protocol or redirect failure
+  ORV_HTTP_NOT_2XX = 3,        // the final response was not 2xx
+  ORV_HTTP_TIMEOUT = 4,        // the request, its connect or a stalled transfer took too long
+  ORV_HTTP_TOO_LARGE = 5,      // the body passed the size cap
+  ORV_HTTP_BUDGET_SPENT = 6,   // request budget or run deadline spent; nothing was sent
+};
+
+enum ORV_HTTP_METHOD : int32_t {
+  ORV_HTTP_GET = 0,
+};
+
+struct OrvHttpSession;
+
+// One HTTP client: any number of consecutive Run calls, each blocking until
+// its response has arrived or failed. Limits and counters shared by every
+// client of the process live in OrvHttpLimits. One object is for one thread
+// at a time; different objects may run on different threads.
+class ORV_API OrvHttp {
+ public:
+  OrvHttp();
+  ~OrvHttp();
+  OrvHttp(const OrvHttp&) = delete;
+  OrvHttp& operator=(const OrvHttp&) = delete;
+
+  // GET of url (length bytes, -1 for NUL-terminated), following redirects.
+  ORV_HTTP_STATUS Run(char* url, long length, ORV_HTTP_METHOD method);
+
+  // Replaces body with the body of the last response. Gives 1, or 0 with an
+  // empty body when the last Run did not give ORV_HTTP_OK.
+  int GetBody(OrvString& body);
+
+  // The status code of the last final response, 0 when none came.
+  long GetResponseCode() const;
+
+ private:
+  OrvHttpSession* session;
+};

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+
+#include "orvwebpage/OrvExport.h"
+#include "orvwebpage/OrvString.h"
+
+// Settings shared by every OrvHttp of the process. A caller such as a
+// command-line tool sets them once, before it starts an analyser that makes
+// its own clients, and every request obeys them from then on.
+struct OrvHttpSettings {
+  int64_t maxRequests = 0;         // requests allowed since the last ResetCounters; 0: no budget
+  int64_t deadlineMs = 0;          // whole run, counted from the Set call; 0: none
+  int32_t connectTimeoutMs = 10000;
+  int32_t requestTimeoutMs = 30000;  // per request, redirects included
+  int32_t delayMs = 0;             // least time between the starts of two requests
+  int32_t stallSeconds = 10;       // a transfer slower than stallBytesPerSecond this long ends
+  int32_t stallBytesPerSecond = 16;
+  int32_t maxRedirects = 10;
+  int64_t maxBodyBytes = int64_t(32) << 20;
+  char userAgent[256] = {0};       // empty: the library's name and version
+};
+
+// What a progress callback is told.
+struct OrvHttpProgress {
+  int64_t requests;  // requests started since the last ResetCounters, this one included
+  int64_t bytes;     // body bytes received since then
+  const char* url;   // the request in hand, NUL-terminated; good during the call only
+  int32_t finished;  // 1 once this request has ended
+};
+
+// Called on the thread that runs the request, at its start, as bytes come in,
+// and at its end. It must not call OrvHttpLimits::SetProgress.
+using OrvHttpProgressFn = void (*)(const OrvHttpProgress& progress, void* context);
+
+// Process-wide limits and counters; every operation is safe from any thread.
+class ORV_API OrvHttpLimits {
+ public:
+  // Replaces the settings. A deadlineMs above 0 starts the run's clock now.
+  static void Set(const OrvHttpSettings& settings);
+  static OrvHttpSettings Get();
+  // Back to the defaults, with zero counters and no progress callback.
+  static void Reset();
+
+  // Starts a new budget: zero requests and bytes, no current URL.
+  static void ResetCounters();
+  static int64_t GetRequests();
+  static int64_t GetBytes();
+  // The URL of the request in hand, or of the last one; empty before any.
+  static void GetCurrentUrl(OrvString& url);
+  // 1 when the budget or the deadline is spent, so that Run fails at once.
+  static int IsSpent();
+
+  static void SetProgress(OrvHttpProgressFn progress, void* context);
+
+  // The User-Agent sent when the settings name none.
+  static const char* DefaultUserAgent();
+};

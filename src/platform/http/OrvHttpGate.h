@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+#include "orvwebpage/OrvHttpLimits.h"
+
+// The side of OrvHttpLimits that clients use: a request asks to be let
+// through, and reports what it receives.
+
+struct OrvHttpAdmission {
+  OrvHttpSettings settings;  // as they stood when the request was let through
+  int64_t connectTimeoutMs;  // the settings' values, cut to what is left of the deadline
+  int64_t requestTimeoutMs;
+};
+
+// Takes one request from the budget and waits out the delay since the
+// previous start. Gives 0, taking nothing, when the budget or the deadline is
+// spent or the delay would end past the deadline. url is NUL-terminated.
+int OrvHttpAdmit(const char* url, OrvHttpAdmission& admission);
+
+// Body bytes have arrived for url.
+void OrvHttpNoteBytes(int64_t count, const char* url);
+
+// The request for url has ended, whatever its outcome.
+void OrvHttpNoteFinished(const char* url);
