@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -92,4 +93,25 @@ TEST(OrvHtmlHostile, MillionDeepPageOpensAndCloses) {
   counts = OpenAndCount(Repeat("<span>", depth) + "x" + Repeat("</b>", 200000), ORV_CHARSET_UTF8);
   EXPECT_TRUE(counts.consistent);
   EXPECT_GE(counts.texts, 1);
+}
+
+TEST(OrvHtmlHostile, PrintsNothing) {
+  const std::string pages[] = {
+      "<meta charset=utf-8><p>\xE6\x96 \xFF\xFE broken</p>",
+      "<meta charset=no-such-charset><p>x</p>",
+      "<meta http-equiv=Content-Type content=\"text/html; charset=gb2312\"><p>\xE6\x96\xB0\xE7\x89 x</p>",
+      "\xFE\xFF\xD8\x00 odd surrogate",
+      "<p>\x01</b></i><!-- <![CDATA[ &#xFFFFFF; &bogus; <?x",
+      Garbage(20000, 11),
+  };
+  for (const std::string& page : pages) {
+    for (ORV_CHARSET charset : {ORV_CHARSET_BYTES, ORV_CHARSET_UTF8}) {
+      testing::internal::CaptureStderr();
+      testing::internal::CaptureStdout();
+      OpenAndCount(page, charset);
+      std::string out = testing::internal::GetCapturedStdout();
+      std::string err = testing::internal::GetCapturedStderr();
+      EXPECT_EQ(out + err, "") << Escaped(page.data(), static_cast<int32_t>(std::min<size_t>(page.size(), 40)));
+    }
+  }
 }

@@ -12,6 +12,7 @@
 #include "platform/html/OrvHtmlNames.h"
 #include "platform/html/OrvNameCache.h"
 #include "platform/html/OrvPageBytes.h"
+#include "platform/html/OrvQuietParser.h"
 
 namespace {
 
@@ -249,6 +250,7 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocA
     OrvFreeBytes(cleaned);
     return 0;
   }
+  OrvQuietParser quiet;
   htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(cleaned ? cleaned : text, int(size));
   if (!ctxt) {
     OrvFreeBytes(cleaned);
