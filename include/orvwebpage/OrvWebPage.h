@@ -9,3 +9,4 @@
 #include "orvwebpage/OrvWebPageUrls.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttp.h"
+#include "orvwebpage/OrvWebPageCountEstimate.h"

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+
+#include "core/OrvBlockPool.h"
+#include "core/OrvPtrList.h"
+#include "core/OrvStrMap.h"
+#include "orvwebpage/OrvString.h"
+
+// Compares a listed element with a new record; 0 means they match.
+using OrvRecordTest = int (*)(const void* element, const void* record);
+
+// Records of one page grouped by a key text: the records and the lists come
+// from pools that are freed whole when the page is done.
+template <class T>
+struct OrvKeyedList {
+  OrvBlockPool<T> records;
+  OrvBlockPool<OrvPtrList> lists;
+  OrvStrMap<OrvPtrList*> map;
+
+  // Appends the record under the key. With a test, a record that matches one
+  // already listed under that key is refused (false) and nothing changes.
+  bool Add(const char* key, int32_t length, T* record, OrvRecordTest test = nullptr) {
+    int found = 0;
+    // An untouched empty key has no text; it is still a key like any other.
+    OrvPtrList** slot = map.Insert(key ? key : "", key ? length : 0, &found);
+    if (!found) {
+      OrvPtrList* list = lists.Alloc();
+      list->count = 0;
+      *slot = list;
+      list->Add(record);
+      return true;
+    }
+    OrvPtrList* list = *slot;
+    if (test) {
+      for (int32_t i = 0; i < list->count; i++)
+        if (test(list->items[i], record) == 0) return false;
+    }
+    list->Add(record);
+    return true;
+  }
+
+  bool Add(const OrvString& key, T* record, OrvRecordTest test = nullptr) {
+    return Add(key.buf, key.len, record, test);
+  }
+
+  // Forgets the page: the map keeps its arrays, the pools give theirs back.
+  void Reset() {
+    map.Clear();
+    lists.FreeBlocks();
+    records.FreeBlocks();
+  }
+
+  static T* At(const OrvPtrList* list, int32_t i) { return static_cast<T*>(list->items[i]); }
+};

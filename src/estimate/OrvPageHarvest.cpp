@@ -1,0 +1,64 @@
+#include "estimate/OrvPageHarvest.h"
+
+#include "url/OrvUrlFilterExtractor.h"
+
+OrvPageHarvest::OrvPageHarvest() {
+  extensions.AddString("html", -1);
+  extensions.AddString("htm", -1);
+  extensions.AddString("asp", -1);
+  extensions.AddString("jsp", -1);
+  extensions.AddString("action", -1);
+}
+
+void OrvPageHarvest::SetEntry(const OrvString& text) {
+  entryUrl.url = text;
+  entryUrl.Parse(1);
+  OrvUrlFilterExtractor::HostTail(siteDomain, entryUrl.host.buf, entryUrl.host.len);
+}
+
+void OrvPageHarvest::CompleteUrl(OrvWebPageUrl& url) {
+  bool copied = false;
+  if (url.scheme.len < 1) {
+    url.scheme = entryUrl.scheme;
+    copied = true;
+  }
+  if (url.host.len < 1) {
+    url.host = entryUrl.host;
+    copied = true;
+  }
+  if (copied) url.Rebuild();
+}
+
+void OrvPageHarvest::ResetLinks() {
+  links.Reset();
+  numbers.Reset();
+  runs.Reset();
+}
+
+bool IsNumberText(const char* text, long length) {
+  for (long i = 0; i < length; i++) {
+    char c = text[i];
+    if (!((c >= '0' && c <= '9') || c == ' ' || c == ',')) return false;
+  }
+  return true;
+}
+
+bool HasListedExtension(const OrvWebPageUrl& url, OrvStrArray& list) {
+  for (int32_t i = 0; i < list.count; i++)
+    if (url.ext.CapsIsEqual(list[i], list.GetStringLen(i))) return true;
+  return false;
+}
+
+void FormatDepth(OrvString& key, int32_t depth) {
+  char digits[16];
+  char* end = digits + sizeof digits;
+  char* p = end;
+  // Magnitude in unsigned arithmetic, so the lowest value has one too.
+  uint32_t magnitude = depth < 0 ? 0u - uint32_t(depth) : uint32_t(depth);
+  do {
+    *--p = char('0' + magnitude % 10);
+    magnitude /= 10;
+  } while (magnitude);
+  if (depth < 0) *--p = '-';
+  key.CopyBuf(p, long(end - p));
+}

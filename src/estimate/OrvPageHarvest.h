@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+
+#include "estimate/OrvKeyedList.h"
+#include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvString.h"
+#include "url/OrvWebPageUrl.h"
+
+// A link target with the place of its link element in the tree.
+struct OrvLinkRecord : OrvWebPageUrl {
+  var_item* item = nullptr;  // the link element
+  int32_t depth = 0;
+};
+
+// A link whose text is a number: one entry of a pager, perhaps.
+struct OrvNumberLink {
+  int32_t number = 0;
+  var_item* textNode = nullptr;
+  int32_t textDepth = 0;
+  OrvLinkRecord link;  // item and depth are the enclosing link element's
+};
+
+// A visible text run that lies in no link.
+struct OrvTextNode : var_item_pos {};
+
+// What one walk gathers from a page: links the crawl may follow, keyed by
+// their parameter names, and number-labelled links keyed by the depth of
+// their text. The estimator itself is one; the last-page search makes its own.
+struct OrvPageHarvest {
+  OrvString siteDomain;  // entry host behind its first dot
+  OrvWebPageUrl entryUrl;
+  OrvKeyedList<OrvLinkRecord> links;
+  OrvKeyedList<OrvNumberLink> numbers;
+  // Rising number runs by the depth of the link element; the lists point into
+  // numbers, so the record pool here stays unused.
+  OrvKeyedList<OrvNumberLink> runs;
+  OrvString scratchKey;
+  OrvStrArray extensions;  // extensions a crawlable link may have
+
+  OrvPageHarvest();
+
+  // Parses text as the entry URL (parameters sorted) and takes its domain.
+  void SetEntry(const OrvString& text);
+  // Takes scheme and host from the entry URL where the link has none.
+  void CompleteUrl(OrvWebPageUrl& url);
+  // Fills runs from numbers: per depth of text, the rising triple nearest the
+  // end of the list.
+  void DetectRuns();
+  // Empties links, numbers and runs and frees their pools.
+  void ResetLinks();
+};
+
+// The context of one walk over a page. The caller sets go to 1 first.
+struct OrvHarvestWalk {
+  uint8_t go = 1;
+  OrvPageHarvest* harvest = nullptr;
+
+  // The full walk of a crawled page; harvest must be the estimator itself,
+  // whose stop flag it reads at every item and whose text statistics it fills.
+  void HarvestPage(var_item* item, long depth);
+  // Links and number links only, for probed pages; never stops early.
+  void HarvestLinks(var_item* item, long depth);
+};
+
+// Every byte is one of "0123456789 ,"; a length below 1 says yes.
+bool IsNumberText(const char* text, long length);
+// The extension equals one entry of the list, letters folded.
+bool HasListedExtension(const OrvWebPageUrl& url, OrvStrArray& list);
+// The decimal text of a depth, as "%d" writes it.
+void FormatDepth(OrvString& key, int32_t depth);
