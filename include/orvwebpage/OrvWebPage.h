@@ -7,6 +7,7 @@
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
 #include "orvwebpage/OrvWebPageUrls.h"
+#include "orvwebpage/OrvWebPageVisibleNodes.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
