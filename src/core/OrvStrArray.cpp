@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "core/OrvBytes.h"
 #include "core/OrvMemory.h"
 #include "core/OrvTextLength.h"
 #include "orvwebpage/OrvString.h"
@@ -45,6 +46,15 @@ OrvStrArray& OrvStrArray::operator=(const OrvStrArray& other) {
 
 void OrvStrArray::AddString(const char* text, long length) {
   uint32_t n = OrvTextLength(text, length);
+  if (int64_t(used) + n + 1 <= bufCap && count < offsetCap) {
+    // Room enough: nothing moves, and a source among the elements lies
+    // wholly before the place it is copied to.
+    OrvCopyBytes(buf + used, text, n);
+    buf[used + n] = 0;
+    offsets[count++] = used;
+    used += int32_t(n) + 1;
+    return;
+  }
   // The text may come out of this array's own buffer, which can move.
   bool inside = buf && text >= buf && text < buf + bufCap;
   size_t at = inside ? size_t(text - buf) : 0;

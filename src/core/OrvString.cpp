@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/OrvBytes.h"
 #include "core/OrvMemory.h"
 #include "core/OrvTextLength.h"
 
@@ -44,6 +45,8 @@ void OrvString::Grow(uint32_t need) {
   if (need <= cap) return;
   uint64_t wanted = cap < 16 ? 16 : uint64_t(cap) + cap / 2;
   if (wanted < need) wanted = need;
+  // Whole 16-byte units, so that word-wise scans of the text stay inside.
+  wanted = (wanted + 15) & ~uint64_t(15);
   if (wanted > uint64_t(INT32_MAX) + 1) wanted = uint64_t(INT32_MAX) + 1;
   if (cap) {
     buf = static_cast<char*>(OrvReallocBytes(buf, wanted));
@@ -117,8 +120,10 @@ void OrvString::Append(const char* text, long length) {
   bool inside = cap && text >= buf && text < buf + cap;
   size_t offset = inside ? size_t(text - buf) : 0;
   Grow(newLen + 1u);
-  if (inside) text = buf + offset;
-  std::memmove(buf + len, text, n);
+  if (inside)
+    std::memmove(buf + len, buf + offset, n);
+  else
+    OrvCopyBytes(buf + len, text, n);
   len = int32_t(newLen);
   buf[len] = 0;
 }
@@ -142,7 +147,7 @@ void OrvString::CopyBuf(const char* text, long length) {
       len = 0;  // nothing to keep across the growth
       Grow(n + 1u);
     }
-    std::memcpy(buf, text, n);
+    OrvCopyBytes(buf, text, n);
   }
   len = int32_t(n);
   buf[len] = 0;

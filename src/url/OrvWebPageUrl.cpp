@@ -23,44 +23,6 @@ OrvWebPageUrl& OrvWebPageUrl::operator=(const OrvWebPageUrl& other) {
 
 OrvWebPageUrl::~OrvWebPageUrl() { OrvDeleteArray(params); }
 
-void OrvWebPageUrl::Parse(uint8_t sortParams) {
-  url.TrimBanks();
-  scheme.Clear();
-  host.Clear();
-  dirs.RemoveAll(0);
-  paramCount = 0;
-
-  // The parts are read up to the first NUL, as from a C text.
-  const char* text = url.buf;
-  int32_t n = 0;
-  if (url.len > 0) {
-    const void* nul = std::memchr(text, 0, size_t(url.len));
-    n = nul ? int32_t(static_cast<const char*>(nul) - text) : url.len;
-  }
-
-  // A scheme is 1 to 10 bytes of anything before a colon.
-  int32_t pos = 0;
-  const void* colon = n > 0 ? std::memchr(text, ':', size_t(n < 11 ? n : 11)) : nullptr;
-  if (colon) {
-    int32_t i = int32_t(static_cast<const char*>(colon) - text);
-    scheme.CopyBuf(text, i);
-    pos = i + 1;
-  }
-
-  if (n - pos >= 2) {
-    if (text[pos] == '/' && text[pos + 1] == '/') pos += 2;
-    if (pos < n) {
-      const void* slash = std::memchr(text + pos, '/', size_t(n - pos));
-      int32_t end = slash ? int32_t(static_cast<const char*>(slash) - text) : n;
-      host.CopyBuf(text + pos, end - pos);
-      pos = slash ? end + 1 : n;
-    }
-  }
-
-  SplitPath(dirs, stem, ext, params, paramCount, paramCapacity, text ? text + pos : "", n - pos);
-  if (sortParams) SortParams(params, 0, paramCount - 1, CompareParamNames);
-}
-
 void OrvWebPageUrl::Rebuild() {
   long size = long(scheme.len) + host.len + stem.len + ext.len + 8;
   for (int32_t i = 0; i < dirs.count; i++) size += dirs.GetStringLen(i) + 1;
@@ -119,11 +81,14 @@ void OrvWebPageUrl::AssignParams(OrvUrlParam*& to, int32_t& toCount, int32_t& to
 }
 
 void OrvWebPageUrl::GetParamNames(OrvString& names, const OrvWebPageUrl& url) {
-  names.Clear();
   if (url.paramCount < 1) {
-    names = "[No Query String]";
+    names.CopyBuf("[No Query String]", 17);
     return;
   }
+  long size = url.paramCount;
+  for (int32_t i = 0; i < url.paramCount; i++) size += url.params[i].name.len;
+  names.Clear();
+  names.Reserve(size);
   for (int32_t i = 0; i < url.paramCount; i++) {
     if (i) names += ',';
     names += url.params[i].name;
