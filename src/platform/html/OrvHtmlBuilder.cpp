@@ -12,6 +12,7 @@
 #include "platform/html/OrvHtmlNames.h"
 #include "platform/html/OrvNameCache.h"
 #include "platform/html/OrvPageBytes.h"
+#include "platform/html/OrvPageTaming.h"
 #include "platform/html/OrvQuietParser.h"
 
 namespace {
@@ -212,27 +213,6 @@ htmlSAXHandler MakeHandler() {
 
 std::once_flag parserReady;
 
-// Pages in a 16- or 32-bit encoding carry NUL bytes as halves of characters.
-bool LooksWide(const unsigned char* p, size_t n) {
-  if (n >= 2 && ((p[0] == 0xFF && p[1] == 0xFE) || (p[0] == 0xFE && p[1] == 0xFF))) return true;
-  return n >= 4 && (p[0] == 0 || p[1] == 0) && (p[2] == 0 || p[3] == 0);
-}
-
-// The parser takes a NUL byte between elements for the end of the page, so
-// everything behind it would be lost. Browsers skip NUL bytes; so do we, in
-// a copy, unless they may belong to wide characters the page is decoded from.
-char* WithoutNulBytes(const char* text, size_t& length, bool mayBeWide) {
-  if (!std::memchr(text, 0, length)) return nullptr;
-  if (mayBeWide && LooksWide(reinterpret_cast<const unsigned char*>(text), length)) return nullptr;
-  char* copy = static_cast<char*>(OrvAllocBytes(length));
-  size_t kept = 0;
-  for (size_t i = 0; i < length; i++) {
-    if (text[i] != '\0') copy[kept++] = text[i];
-  }
-  length = kept;
-  return copy;
-}
-
 }  // namespace
 
 int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocArena& arena,
@@ -245,7 +225,7 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocA
   std::call_once(parserReady, [] { xmlInitParser(); });
 
   size_t size = size_t(length);
-  char* cleaned = WithoutNulBytes(text, size, charset != ORV_CHARSET_BYTES);
+  char* cleaned = OrvTamePage(text, size, charset != ORV_CHARSET_BYTES);
   if (size == 0) {
     OrvFreeBytes(cleaned);
     return 0;
