@@ -1,6 +1,11 @@
 // The two walks over a parsed page. Both visit items depth-first, parents
 // before children, siblings in order; the pending siblings sit on a stack of
 // their own, so the height of the page never grows the call stack.
+//
+// The nearest link element above an item is what climbing its parent chain
+// finds. The walk carries that answer down from the parent it came through,
+// so a deep page costs no climb per item; an item whose parent pointer is not
+// the item the walk came from climbs as usual.
 
 #include <vector>
 
@@ -10,10 +15,23 @@
 
 namespace {
 
+// The item the walk came down through, and the nearest link element above
+// its children (item null if none).
+struct Above {
+  var_item* parent;
+  var_item_pos link;
+};
+
 struct PendingSibling {
   var_item* item;
   int32_t depth;
+  Above above;
 };
+
+var_item_pos LinkAbove(var_item* item, int32_t depth, const Above& above) {
+  if (item->parent == above.parent) return above.link;
+  return FindAncestorPos(var_item_pos{item, depth}, ORV_TAG_LINK);
+}
 
 // Copies a link target attribute into the URL text; a null value is empty.
 void CopyTarget(OrvWebPageUrl& url, const var_attr* target) {
@@ -23,10 +41,9 @@ void CopyTarget(OrvWebPageUrl& url, const var_attr* target) {
 
 // A run of text that states a number inside a link with a target becomes a
 // number link, whatever its target is.
-bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth) {
+bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth, const var_item_pos& link) {
   if (!item->text || !IsVisibleText(item) || !IsNumberText(item->text, item->text_len))
     return false;
-  var_item_pos link = FindAncestorPos(var_item_pos{item, depth}, ORV_TAG_LINK);
   if (!link.item) return false;
   var_attr* target = FindLinkAttr(link.item->attr_list);
   if (!target) return false;
@@ -42,12 +59,6 @@ bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth) {
   FormatDepth(h.scratchKey, depth);
   h.numbers.Add(h.scratchKey, record);
   return true;
-}
-
-int SameUrlText(const void* element, const void* record) {
-  const auto* listed = static_cast<const OrvLinkRecord*>(element);
-  const auto* fresh = static_cast<const OrvLinkRecord*>(record);
-  return listed->url.Compare(fresh->url.buf, -1) == 0 ? 0 : 1;
 }
 
 // A link the crawl may follow: on the site, of a listed extension or none,
@@ -69,14 +80,15 @@ void LinkStep(OrvPageHarvest& h, var_item* item, int32_t depth) {
   }
   if (keep) {
     OrvWebPageUrl::GetParamNames(h.scratchKey, *record);
-    keep = h.links.Add(h.scratchKey, record, SameUrlText);
+    keep = h.AddLink(record);
   }
   if (!keep) h.links.records.Free(record);
 }
 
 // Visible text outside any link, counted by depth.
-void TextStep(OrvWebPageCountEstimateImpl& e, var_item* item, int32_t depth) {
-  if (!item->text || !IsVisibleText(item) || FindAncestor(item, ORV_TAG_LINK)) return;
+void TextStep(OrvWebPageCountEstimateImpl& e, var_item* item, int32_t depth,
+              const var_item_pos& link) {
+  if (!item->text || link.item || !IsVisibleText(item)) return;
   int32_t n = CountNonBlank(item->text, item->text_len);
   if (n == 0) return;
   OrvTextNode* record = e.textNodes.records.Alloc();
@@ -96,11 +108,13 @@ void Walk(OrvHarvestWalk& walk, var_item* item, long startDepth) {
   if constexpr (kWholePage) estimator = static_cast<OrvWebPageCountEstimateImpl*>(walk.harvest);
   std::vector<PendingSibling, OrvAllocator<PendingSibling>> pending;
   int32_t depth = int32_t(startDepth);
+  Above above{nullptr, var_item_pos{nullptr, 0}};
   for (;;) {
     if (!item) {
       if (pending.empty()) return;
       item = pending.back().item;
       depth = pending.back().depth;
+      above = pending.back().above;
       pending.pop_back();
       continue;
     }
@@ -111,9 +125,12 @@ void Walk(OrvHarvestWalk& walk, var_item* item, long startDepth) {
         return;
       }
     }
-    if (!NumberStep(harvest, item, depth)) LinkStep(harvest, item, depth);
-    if constexpr (kWholePage) TextStep(*estimator, item, depth);
-    if (item->next) pending.push_back(PendingSibling{item->next, depth});
+    var_item_pos link = LinkAbove(item, depth, above);
+    if (!NumberStep(harvest, item, depth, link)) LinkStep(harvest, item, depth);
+    if constexpr (kWholePage) TextStep(*estimator, item, depth, link);
+    if (item->next) pending.push_back(PendingSibling{item->next, depth, above});
+    above.parent = item;
+    above.link = item->tag_id == ORV_TAG_LINK ? var_item_pos{item, depth} : link;
     item = item->child;
     depth = int32_t(uint32_t(depth) + 1u);
   }

@@ -29,7 +29,32 @@ void OrvPageHarvest::CompleteUrl(OrvWebPageUrl& url) {
   if (copied) url.Rebuild();
 }
 
+namespace {
+
+// Length of the key, the key, then the URL text: no two pairs give one text.
+void MakeListedKey(OrvString& out, const OrvString& key, const char* url, int32_t urlLen) {
+  uint32_t keyLen = key.len > 0 ? uint32_t(key.len) : 0;
+  char prefix[4] = {char(keyLen), char(keyLen >> 8), char(keyLen >> 16), char(keyLen >> 24)};
+  out.CopyBuf(prefix, 4);
+  out.Append(key.buf, keyLen);
+  out.Append(url, urlLen);
+}
+
+}  // namespace
+
+bool OrvPageHarvest::AddLink(OrvLinkRecord* record) {
+  const char* url = record->url.buf;
+  int32_t upToNul = url ? int32_t(Orvstrlen(url)) : 0;
+  MakeListedKey(listedKey, scratchKey, url, upToNul);
+  if (listedUrls.Find(listedKey.buf, listedKey.len)) return false;
+  links.Add(scratchKey, record);
+  if (upToNul != record->url.len) MakeListedKey(listedKey, scratchKey, url, record->url.len);
+  listedUrls.Insert(listedKey.buf, listedKey.len);
+  return true;
+}
+
 void OrvPageHarvest::ResetLinks() {
+  listedUrls.Clear();
   links.Reset();
   numbers.Reset();
   runs.Reset();

@@ -37,11 +37,18 @@ struct OrvPageHarvest {
   OrvKeyedList<OrvNumberLink> runs;
   OrvString scratchKey;
   OrvStrArray extensions;  // extensions a crawlable link may have
+  // The URL texts listed in links, per parameter-name key: a set beside the
+  // lists, so refusing a repeated link does not scan its list.
+  OrvStrMap<uint8_t> listedUrls;
+  OrvString listedKey;
 
   OrvPageHarvest();
 
   // Parses text as the entry URL (parameters sorted) and takes its domain.
   void SetEntry(const OrvString& text);
+  // Lists the link under scratchKey unless a link of the same text (up to its
+  // first NUL) is listed there already.
+  bool AddLink(OrvLinkRecord* record);
   // Takes scheme and host from the entry URL where the link has none.
   void CompleteUrl(OrvWebPageUrl& url);
   // Fills runs from numbers: per depth of text, the rising triple nearest the

@@ -56,6 +56,7 @@ const RunCase kRunCases[] = {
     {"ZeroIsNoPageNumber", "0 1 2", "", ""},
     {"OtherClassValue", "1.x 2.y 3.x", "", ""},
     {"ClassOnOneLinkOnly", "1 2.x 3", "", ""},
+    {"ThirdLinkOtherClass", "1.x 2.x 3.y", "", ""},
     {"ClassValuesFoldCase", "1.x 2.X 3.x", "2=1,2,3", "1:20"},
     {"ScanFromTheEndSkipsAFailingTriple", "1 2 3 1", "2=1,2,3", "1:20"},
     {"CurrentPageAsPlainText", "1 2 3~ 4 5", "2=2,4,5", "1:40"},
