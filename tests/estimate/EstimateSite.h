@@ -22,6 +22,9 @@ class EstimateSite {
   using Page = std::function<bool(const httplib::Request& request, std::string& body)>;
 
   EstimateSite() {
+    // Headers and body go out in two writes; without this the second waits
+    // for the client's delayed acknowledgement on a reused connection.
+    server.set_tcp_nodelay(true);
     server.Get(".*", [this](const httplib::Request& request, httplib::Response& response) {
       Page page;
       {
