@@ -23,14 +23,6 @@ std::vector<std::string> Targets(const std::string& path, const std::vector<int>
   return out;
 }
 
-struct ProbeCase {
-  const char* name;
-  std::function<void(EstimateSite&, OrvWebPageCountEstimateImpl&)> build;
-  int32_t lastPage;
-  std::vector<int> probes;  // the pages probed, in order
-  size_t probeCount = 0;    // when there are too many to list
-};
-
 Listing Pages(int pages, bool lastForHigher, int window = 0) {
   Listing l;
   l.pages = pages;
@@ -39,69 +31,43 @@ Listing Pages(int pages, bool lastForHigher, int window = 0) {
   return l;
 }
 
+struct ProbeCase {
+  const char* name;
+  int pages;  // of the listing at /list; 0 serves none
+  bool lastForHigher;
+  int window;
+  int stopAt;  // the probe of this page stops the estimator; -1: stopped before
+  int32_t lastPage;
+  std::vector<int> probes;  // the pages probed, in order
+};
+
 const ProbeCase kProbeCases[] = {
-    {"ServesItsLastPageForHigherNumbers",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl&) { ServeListing(site, Pages(13, true)); },
-     13, {100}},
-    {"FailsPastItsEnd",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl&) { ServeListing(site, Pages(5, false)); },
-     5, {100, 50, 25, 13, 7, 4, 5}},
-    {"PageHundredLinksBeyondItself",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl&) {
-       ServeListing(site, Pages(100000, false, 3));
-     },
-     104, {100}},
-    {"PagerEndingJustBelowTheLastFailure",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl&) { ServeListing(site, Pages(99, false)); },
-     99, {100, 50}},
-    {"NoPageAtAll", [](EstimateSite&, OrvWebPageCountEstimateImpl&) {}, -1,
-     {100, 50, 25, 13, 7, 4, 2, 1}},
-    {"StoppedBeforeTheSearch",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl& estimator) {
-       ServeListing(site, Pages(13, true));
-       estimator.StopEstimating();
-     },
-     -1, {}},
-    {"StoppedDuringAProbe",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl& estimator) {
-       Listing listing = Pages(5, false);
-       site.Serve("/list", [listing, &estimator](const httplib::Request& request,
-                                                  std::string& body) {
-         if (request.get_param_value("page") == "50") estimator.StopEstimating();
-         return listing.Render(request, body);
-       });
-     },
-     -1, {100, 50}},
+    {"ServesItsLastPageForHigherNumbers", 13, true, 0, 0, 13, {100}},
+    {"FailsPastItsEnd", 5, false, 0, 0, 5, {100, 50, 25, 13, 7, 4, 5}},
+    {"PageHundredLinksBeyondItself", 100000, false, 3, 0, 104, {100}},
+    {"PagerEndingJustBelowTheLastFailure", 99, false, 0, 0, 99, {100, 50}},
+    {"NoPageAtAll", 0, false, 0, 0, -1, {100, 50, 25, 13, 7, 4, 2, 1}},
+    {"StoppedBeforeTheSearch", 13, true, 0, -1, -1, {}},
+    {"StoppedDuringAFailingProbe", 5, false, 0, 50, -1, {100, 50}},
     // Page 50 links up to 70: the next page would be 65, which 70 passes, so
     // the stop ends the search with 70 itself.
-    {"StoppedDuringAProbeThatReadsANumber",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl& estimator) {
-       Listing listing = Pages(70, false);
-       site.Serve("/list", [listing, &estimator](const httplib::Request& request,
-                                                  std::string& body) {
-         if (request.get_param_value("page") == "50") estimator.StopEstimating();
-         return listing.Render(request, body);
-       });
-     },
-     70, {100, 50}},
-    {"LyingPagersAreCutAfterSixtyFourProbes",
-     [](EstimateSite& site, OrvWebPageCountEstimateImpl&) {
-       // Fails two below the last failure and otherwise links up to just
-       // below that, so the search creeps up one page per probe for ever.
-       auto lastFailed = std::make_shared<std::atomic<int>>(100);
-       site.Serve("/list", [lastFailed](const httplib::Request& request, std::string& body) {
-         int page = std::stoi(request.get_param_value("page"));
-         if (page >= *lastFailed - 2) {
-           *lastFailed = page;
-           return false;
-         }
-         body = Html(Link("/list?page=1", "1") + Link("/list?page=2", "2") +
-                     Link("/list?page=" + std::to_string(*lastFailed - 2),
-                          std::to_string(*lastFailed - 2)));
-         return true;
-       });
-     },
-     -1, {}, 64},
+    {"StoppedDuringAProbeThatReadsANumber", 70, false, 0, 50, 70, {100, 50}},
+};
+
+// The estimator with its entry and the template of /list?page=N.
+struct ProbeSetup {
+  OrvWebPageCountEstimateImpl estimator;
+  OrvPageTemplate pageTemplate;
+
+  explicit ProbeSetup(const EstimateSite& site) {
+    OrvString entry(site.Url("/list?page=1").c_str(), -1);
+    estimator.SetEntryUrl(entry);
+    pageTemplate.url = entry;
+    pageTemplate.Parse(1);
+    pageTemplate.paramIndex = 0;
+    pageTemplate.step = 1;
+    pageTemplate.offset = 1;
+  }
 };
 
 class LastPage : public testing::TestWithParam<ProbeCase> {
@@ -112,31 +78,52 @@ class LastPage : public testing::TestWithParam<ProbeCase> {
 TEST_P(LastPage, ProbesFromPageHundred) {
   const ProbeCase& c = GetParam();
   EstimateSite site;
-  OrvWebPageCountEstimateImpl estimator;
-  c.build(site, estimator);
   ASSERT_TRUE(site.Start());
-  OrvString entry(site.Url("/list?page=1").c_str(), -1);
-  estimator.SetEntryUrl(entry);
-  OrvPageTemplate pageTemplate;
-  pageTemplate.url = entry;
-  pageTemplate.Parse(1);
-  pageTemplate.paramIndex = 0;
-  pageTemplate.step = 1;
-  pageTemplate.offset = 1;
-  EXPECT_EQ(estimator.FindLastPage(pageTemplate), c.lastPage);
-  if (c.probeCount)
-    EXPECT_EQ(site.Log().size(), c.probeCount);
-  else
-    EXPECT_EQ(site.Log(), Targets("/list", c.probes));
+  ProbeSetup s(site);
+  Listing listing = Pages(c.pages, c.lastForHigher, c.window);
+  if (c.pages) {
+    OrvWebPageCountEstimateImpl* estimator = &s.estimator;
+    int stopAt = c.stopAt;
+    site.Serve("/list", [=](const httplib::Request& request, std::string& body) {
+      if (request.get_param_value("page") == std::to_string(stopAt)) estimator->StopEstimating();
+      return listing.Render(request, body);
+    });
+  }
+  if (c.stopAt < 0) s.estimator.StopEstimating();
+  EXPECT_EQ(s.estimator.FindLastPage(s.pageTemplate), c.lastPage);
+  EXPECT_EQ(site.Log(), Targets("/list", c.probes));
   // Nothing of the probed pages stays behind.
-  EXPECT_EQ(estimator.links.map.count, 0u);
-  EXPECT_EQ(estimator.numbers.map.count, 0u);
+  EXPECT_EQ(s.estimator.links.map.count, 0u);
+  EXPECT_EQ(s.estimator.numbers.map.count, 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Listings, LastPage, testing::ValuesIn(kProbeCases),
                          [](const testing::TestParamInfo<ProbeCase>& info) {
                            return std::string(info.param.name);
                          });
+
+TEST(LastPageEdges, LyingPagersAreCutAfterSixtyFourProbes) {
+  OrvHttpLimits::Reset();
+  EstimateSite site;
+  // Fails two below the last failure and otherwise links up to just below
+  // that, so the search creeps up one page per probe for ever.
+  auto lastFailed = std::make_shared<std::atomic<int>>(100);
+  site.Serve("/list", [lastFailed](const httplib::Request& request, std::string& body) {
+    int page = std::stoi(request.get_param_value("page"));
+    if (page >= *lastFailed - 2) {
+      *lastFailed = page;
+      return false;
+    }
+    std::string top = std::to_string(*lastFailed - 2);
+    body = Html(Link("/list?page=1", "1") + Link("/list?page=2", "2") +
+                Link("/list?page=" + top, top));
+    return true;
+  });
+  ASSERT_TRUE(site.Start());
+  ProbeSetup s(site);
+  EXPECT_EQ(s.estimator.FindLastPage(s.pageTemplate), -1);
+  EXPECT_EQ(site.Log().size(), 64u);
+}
 
 TEST(LastPageEdges, TemplateWithoutPageParameterProbesNothing) {
   OrvWebPageCountEstimateImpl estimator;
