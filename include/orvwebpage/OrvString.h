@@ -56,6 +56,7 @@ class ORV_API OrvString {
 
  private:
   void Grow(uint32_t need);
+  void CopyBufAnyway(const char* text, long length);
 };
 
 // Strings packed into one buffer, each followed by a NUL. buf, count and

@@ -30,6 +30,17 @@ inline void OrvCopyBytes(char* to, const char* from, size_t n) {
     __m128i tail = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + n - 16));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), head);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to + n - 16), tail);
+  } else if (n > 32 && n <= 64) {
+    const __m128i* in = reinterpret_cast<const __m128i*>(from);
+    const __m128i* inEnd = reinterpret_cast<const __m128i*>(from + n - 32);
+    __m128i a = _mm_loadu_si128(in), b = _mm_loadu_si128(in + 1);
+    __m128i c = _mm_loadu_si128(inEnd), d = _mm_loadu_si128(inEnd + 1);
+    __m128i* out = reinterpret_cast<__m128i*>(to);
+    __m128i* outEnd = reinterpret_cast<__m128i*>(to + n - 32);
+    _mm_storeu_si128(out, a);
+    _mm_storeu_si128(out + 1, b);
+    _mm_storeu_si128(outEnd, c);
+    _mm_storeu_si128(outEnd + 1, d);
 #endif
   } else if (n > 16) {
     std::memcpy(to, from, n);

@@ -129,6 +129,17 @@ void OrvString::Append(const char* text, long length) {
 }
 
 void OrvString::CopyBuf(const char* text, long length) {
+  // The common case first: a counted text that fits and lies elsewhere.
+  if (length > 0 && uint64_t(length) < cap && text && (text >= buf + cap || text + length <= buf)) {
+    OrvCopyBytes(buf, text, size_t(length));
+    len = int32_t(length);
+    buf[length] = 0;
+    return;
+  }
+  CopyBufAnyway(text, length);
+}
+
+void OrvString::CopyBufAnyway(const char* text, long length) {
   uint32_t n = OrvTextLength(text, length);
   if (n == 0) {
     len = 0;
@@ -178,7 +189,17 @@ void OrvString::TrimBanks() {
 
 void OrvString::ChangeToChar() {
   if (len <= 0) return;
-  char* in = static_cast<char*>(std::memchr(buf, '%', size_t(len)));
+  // Names are short: a plain loop finds the first "%" sooner than a call.
+  char* in = nullptr;
+  if (len < 32) {
+    for (char* p = buf; p < buf + len; p++)
+      if (*p == '%') {
+        in = p;
+        break;
+      }
+  } else {
+    in = static_cast<char*>(std::memchr(buf, '%', size_t(len)));
+  }
   if (!in) return;
   char* out = in;
   char* end = buf + len;
