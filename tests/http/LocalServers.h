@@ -29,7 +29,10 @@ class LocalHttpServer {
   httplib::Server server;
   std::atomic<bool> stopping{false};
 
-  LocalHttpServer() { server.set_keep_alive_timeout(1); }
+  LocalHttpServer() {
+    server.set_keep_alive_timeout(1);
+    server.set_tcp_nodelay(true);
+  }
   ~LocalHttpServer() { Stop(); }
 
   // Call once the handlers are in place.
