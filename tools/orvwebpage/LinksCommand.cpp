@@ -1,0 +1,134 @@
+#include <iostream>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Command.h"
+#include "JsonOutput.h"
+#include "PageLinks.h"
+#include "PageSource.h"
+#include "orvwebpage/OrvString.h"
+#include "orvwebpage/OrvWebPageUrls.h"
+
+namespace {
+
+struct LinksOptions {
+  std::string entry;
+  std::string html;
+  std::string input;
+  bool json = false;
+};
+
+// One link a line, "URL" or "URL<TAB>label". Blank lines carry no link; a
+// CR before the line break is taken as part of it.
+std::vector<PageLink> ParseLinkLines(const std::string& text) {
+  std::vector<PageLink> links;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string_view line(text.data() + start, end - start);
+    start = end + 1;
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (line.empty()) continue;
+    size_t tab = line.find('\t');
+    if (tab == std::string_view::npos)
+      links.push_back({std::string(line), std::string()});
+    else
+      links.push_back({std::string(line.substr(0, tab)), std::string(line.substr(tab + 1))});
+  }
+  return links;
+}
+
+OrvString ToOrv(const std::string& s) { return OrvString(s.data(), long(s.size())); }
+
+std::string FromOrv(const OrvString& s) {
+  return s.len > 0 ? std::string(s.buf, size_t(s.len)) : std::string();
+}
+
+struct LinkClass {
+  std::string key;
+  std::vector<PageLink> links;
+};
+
+std::vector<LinkClass> Classify(const std::string& entry, const std::vector<PageLink>& input) {
+  OrvWebPageUrls urls;
+  if (!entry.empty()) urls.SetEntryUrl(ToOrv(entry));
+  for (const auto& link : input) urls.AddLink(ToOrv(link.url), ToOrv(link.label), nullptr);
+  urls.ClassifyUrls();
+
+  std::vector<LinkClass> classes;
+  OrvString key, url, label;
+  void* userData = nullptr;
+  int classCount = urls.GetClassCount();
+  for (int c = 0; c < classCount; c++) {
+    void* handle = urls.FetchClass(c);
+    LinkClass& out = classes.emplace_back();
+    if (urls.GetClassKeyStr(handle, key)) out.key = FromOrv(key);
+    int linkCount = urls.GetUrlCount(handle);
+    for (int i = 0; i < linkCount; i++)
+      if (urls.FetchUrl(handle, i, url, label, userData))
+        out.links.push_back({FromOrv(url), FromOrv(label)});
+  }
+  return classes;
+}
+
+nlohmann::ordered_json ToJson(const std::vector<LinkClass>& classes) {
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const auto& c : classes) {
+    nlohmann::ordered_json urls = nlohmann::ordered_json::array();
+    for (const auto& link : c.links) urls.push_back({{"url", link.url}, {"label", link.label}});
+    list.push_back({{"key", c.key}, {"urls", std::move(urls)}});
+  }
+  return {{"classes", std::move(list)}};
+}
+
+void PrintReadable(const std::vector<LinkClass>& classes) {
+  size_t total = 0;
+  for (const auto& c : classes) total += c.links.size();
+  std::cout << classes.size() << (classes.size() == 1 ? " class, " : " classes, ") << total
+            << (total == 1 ? " link\n" : " links\n");
+  for (size_t i = 0; i < classes.size(); i++) {
+    const auto& c = classes[i];
+    std::cout << "\nclass " << i << " (" << c.links.size()
+              << (c.links.size() == 1 ? " link): " : " links): ") << c.key << "\n";
+    for (const auto& link : c.links) {
+      std::cout << "  " << link.url;
+      if (!link.label.empty()) std::cout << "\t" << link.label;
+      std::cout << "\n";
+    }
+  }
+}
+
+int RunLinks(const LinksOptions& options) {
+  std::vector<PageLink> input =
+      options.html.empty() ? ParseLinkLines(ReadInput(options.input.empty() ? "-" : options.input))
+                           : LinksOfPage(ReadPageSource(options.html));
+  std::vector<LinkClass> classes = Classify(options.entry, input);
+  if (options.json)
+    PrintJson(ToJson(classes));
+  else
+    PrintReadable(classes);
+  return 0;
+}
+
+}  // namespace
+
+Command AddLinksCommand(CLI::App& parent) {
+  auto options = std::make_shared<LinksOptions>();
+  CLI::App* app = parent.add_subcommand(
+      "links", "Sort links into classes of like URL shape and name each class by its key");
+  app->add_option("--entry", options->entry,
+                  "Entry URL: links on its domain are told apart from the others");
+  CLI::Option* input = app->add_option(
+      "input", options->input,
+      "File of links, one a line: URL or URL<TAB>label (- or nothing for stdin)");
+  app->add_option("--html", options->html,
+                  "Take the links of the a elements of this page instead (file, - or http(s) URL)")
+      ->excludes(input);
+  app->add_flag("--json", options->json, "Print one JSON document");
+  return {app, [options] { return RunLinks(*options); }};
+}

@@ -1,0 +1,34 @@
+#include "PageSource.h"
+
+#include <strings.h>
+
+#include <vector>
+
+#include "Command.h"
+#include "orvwebpage/OrvHttp.h"
+#include "orvwebpage/OrvString.h"
+
+namespace {
+
+bool IsWebUrl(const std::string& source) {
+  return strncasecmp(source.c_str(), "http://", 7) == 0 ||
+         strncasecmp(source.c_str(), "https://", 8) == 0;
+}
+
+}  // namespace
+
+std::string ReadPageSource(const std::string& source) {
+  if (!IsWebUrl(source)) return ReadInput(source);
+  OrvHttp http;
+  std::vector<char> url(source.begin(), source.end());
+  url.push_back('\0');
+  ORV_HTTP_STATUS status = http.Run(url.data(), long(source.size()), ORV_HTTP_GET);
+  if (status != ORV_HTTP_OK) {
+    long code = http.GetResponseCode();
+    throw CommandError("cannot fetch " + source +
+                       (code ? " (HTTP status " + std::to_string(code) + ")" : ""));
+  }
+  OrvString body;
+  http.GetBody(body);
+  return body.len > 0 ? std::string(body.buf, size_t(body.len)) : std::string();
+}
