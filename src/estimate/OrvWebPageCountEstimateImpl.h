@@ -38,7 +38,7 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest {
   // Forgets everything the last page produced except keyStrings.
   void ResetPage();
 
- private:
+  // Steps of AnalysePage.
   void PruneTextDepths();
   void CollectPageUrls();
 };
