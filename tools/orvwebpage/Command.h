@@ -22,3 +22,5 @@ std::string ReadInput(const std::string& path);
 
 // Command factories, one per subcommand, each in a file of its own.
 Command AddUrlCommand(CLI::App& parent);
+Command AddKeysCommand(CLI::App& parent);
+Command AddSearchCommand(CLI::App& parent);

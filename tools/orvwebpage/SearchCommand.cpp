@@ -1,0 +1,101 @@
+#include <iostream>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Command.h"
+#include "orvwebpage/OrvString.h"
+#include "orvwebpage/OrvWebPageUrlsSearch.h"
+
+namespace {
+
+// URLs are bytes, not text: invalid UTF-8 shows as U+FFFD instead of failing.
+void PrintJson(const nlohmann::ordered_json& doc) {
+  std::cout << doc.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
+}
+
+struct SearchOptions {
+  std::string example;
+  std::string entry;
+  std::string input;
+  bool json = false;
+};
+
+struct SearchResult {
+  std::string key;
+  std::vector<std::string> found;
+};
+
+// One URL a line; blank lines carry none, a CR before the line break is dropped.
+std::vector<std::string> ParseUrlLines(const std::string& text) {
+  std::vector<std::string> urls;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string_view line(text.data() + start, end - start);
+    start = end + 1;
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (!line.empty()) urls.emplace_back(line);
+  }
+  return urls;
+}
+
+std::string FromOrv(const OrvString& s) {
+  return s.len > 0 ? std::string(s.buf, size_t(s.len)) : std::string();
+}
+
+OrvString ToOrv(const std::string& s) { return OrvString(s.data(), long(s.size())); }
+
+SearchResult Search(const SearchOptions& options, const std::vector<std::string>& urls) {
+  OrvWebPageUrlsSearch search;
+  if (!options.entry.empty()) search.SetEntryUrl(ToOrv(options.entry));
+  for (const auto& url : urls) search.AddUrl(ToOrv(url));
+  SearchResult result;
+  OrvString key, url;
+  search.SearchUrls(ToOrv(options.example), key);
+  result.key = FromOrv(key);
+  unsigned count = search.GetFoundUrlsCount();
+  for (unsigned i = 0; i < count; i++) {
+    search.GetFoundUrl(i, url);
+    result.found.push_back(FromOrv(url));
+  }
+  return result;
+}
+
+void PrintSearchJson(const SearchResult& result) {
+  PrintJson(nlohmann::ordered_json{{"key", result.key}, {"found", result.found}});
+}
+
+void PrintReadable(const SearchResult& result, size_t searched) {
+  std::cout << "key: " << result.key << "\n"
+            << result.found.size() << " of " << searched
+            << (searched == 1 ? " URL" : " URLs") << " found\n";
+  for (const auto& url : result.found) std::cout << "  " << url << "\n";
+}
+
+}  // namespace
+
+Command AddSearchCommand(CLI::App& parent) {
+  auto options = std::make_shared<SearchOptions>();
+  CLI::App* app =
+      parent.add_subcommand("search", "Find the listed URLs that have the shape of an example URL");
+  app->add_option("--example", options->example, "The URL whose shape is wanted")->required();
+  app->add_option("--entry", options->entry,
+                  "Entry URL: hosts holding its domain count as on the site");
+  app->add_option("input", options->input, "File of URLs, one a line (- or nothing for stdin)");
+  app->add_flag("--json", options->json, "Print one JSON document");
+  return {app, [options] {
+            std::vector<std::string> urls =
+                ParseUrlLines(ReadInput(options->input.empty() ? "-" : options->input));
+            SearchResult result = Search(*options, urls);
+            if (options->json)
+              PrintSearchJson(result);
+            else
+              PrintReadable(result, urls.size());
+            return 0;
+          }};
+}
