@@ -247,6 +247,7 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocA
     // Every byte a character of its own, whatever the page claims; setting the
     // context's encoding also keeps byte-order marks from being looked for.
     xmlSwitchEncoding(ctxt, XML_CHAR_ENCODING_8859_1);
+    xmlFree(const_cast<xmlChar*>(ctxt->encoding));
     ctxt->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("ISO-8859-1"));
     ctxt->options |= HTML_PARSE_IGNORE_ENC;
   }
