@@ -41,7 +41,9 @@ long OrvWebPageCountEstimateImpl::EstimateCount(const char* url, long length) {
     OrvPageRecord** head =
         shapes.Insert(record->key.buf ? record->key.buf : "", record->key.len, &found);
     if (found) {
-      if ((*head)->state != ORV_PAGE_LISTING) (*head)->sightings++;
+      OrvPageRecord* shape = *head;
+      if (shape->state != ORV_PAGE_LISTING)
+        shape->sightings = int32_t(uint32_t(shape->sightings) + 1u);
       records.Free(record);
     } else {
       *head = record;
