@@ -1,0 +1,153 @@
+// `orvwebpage estimate URL`: how many pages a site holds, by crawling it.
+// The limits go to the HTTP layer, which refuses requests once one is spent,
+// so the estimator itself runs unchanged and drains its queue quickly.
+
+#include <unistd.h>
+
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "Command.h"
+#include "ProgressLine.h"
+#include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvWebPageCountEstimate.h"
+
+namespace {
+
+struct EstimateOptions {
+  std::string url;
+  int64_t maxRequests = 0;  // 0: no budget
+  double timeout = 0;       // seconds per request; 0: the HTTP layer's default
+  double deadline = 0;      // seconds for the whole run; 0: none
+  int32_t delay = 0;        // milliseconds between requests
+  std::string userAgent;    // empty: the library's own
+  bool json = false;
+};
+
+// Longer limits than this are no limits for a crawl, and keep the
+// conversion to milliseconds far from overflow.
+constexpr double kMaxSeconds = 1e6;
+
+const CLI::Validator kSeconds(
+    [](std::string& text) -> std::string {
+      double value = 0;
+      size_t used = 0;
+      try {
+        value = std::stod(text, &used);
+      } catch (const std::exception&) {
+        return "not a number of seconds: " + text;
+      }
+      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
+        return "seconds must be a number above 0 and at most 1000000: " + text;
+      return "";
+    },
+    "SECONDS");
+
+const CLI::Validator kHeaderText(
+    [](std::string& text) -> std::string {
+      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
+        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
+      for (unsigned char c : text)
+        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
+      return "";
+    },
+    "TEXT");
+
+int32_t Milliseconds(double seconds) {
+  double ms = std::ceil(seconds * 1000);
+  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
+}
+
+std::string FormatSeconds(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.2f", seconds);
+  return text;
+}
+
+void ShowProgress(const OrvHttpProgress& p, void* context) {
+  static_cast<ProgressLine*>(context)->Show(p.requests, p.bytes, p.url ? p.url : "");
+}
+
+int RunEstimate(const EstimateOptions& o) {
+  OrvHttpSettings settings = OrvHttpLimits::Get();
+  settings.maxRequests = o.maxRequests;
+  if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
+  settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
+  settings.delayMs = o.delay;
+  std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
+
+  std::unique_ptr<ProgressLine> progress;
+  if (isatty(STDERR_FILENO)) {
+    progress = std::make_unique<ProgressLine>(STDERR_FILENO);
+    OrvHttpLimits::SetProgress(ShowProgress, progress.get());
+  }
+
+  OrvHttpLimits::ResetCounters();
+  auto start = std::chrono::steady_clock::now();
+  OrvHttpLimits::Set(settings);  // starts the deadline's clock
+  OrvWebPageCountEstimate estimator;
+  std::string url = o.url;
+  long estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+  double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  int64_t requests = OrvHttpLimits::GetRequests();
+  int64_t bytes = OrvHttpLimits::GetBytes();
+  bool spent = OrvHttpLimits::IsSpent() != 0;
+
+  if (progress) {
+    OrvHttpLimits::SetProgress(nullptr, nullptr);
+    progress->Clear();
+  }
+
+  // The estimator gives 0 when its entry page could not be read. (A listing
+  // entry whose pages hold no crawlable link gives 0 too; it is reported the
+  // same way, since the HTTP layer counts requests, not successes.)
+  if (estimate == 0)
+    throw CommandError("cannot read " + o.url +
+                       (spent ? ": the deadline or the request budget ran out first"
+                              : ": no readable page came back"));
+
+  if (o.json) {
+    nlohmann::ordered_json out;
+    out["url"] = o.url;
+    out["estimate"] = estimate;
+    out["requests"] = requests;
+    out["seconds"] = seconds;
+    std::cout << out.dump() << "\n";
+  } else {
+    std::cout << "url:      " << o.url << "\n"
+              << "estimate: " << estimate << " pages\n"
+              << "requests: " << requests << " (" << ShortByteCount(bytes) << ")\n"
+              << "seconds:  " << FormatSeconds(seconds) << "\n";
+  }
+  return 0;
+}
+
+}  // namespace
+
+Command AddEstimateCommand(CLI::App& parent) {
+  auto* app = parent.add_subcommand(
+      "estimate", "Estimate how many pages a site holds, crawling it from URL");
+  auto o = std::make_shared<EstimateOptions>();
+  app->add_option("URL", o->url, "entry URL of the site")->required();
+  app->add_option("--max-requests", o->maxRequests,
+                  "stop making requests after N of them")
+      ->check(CLI::PositiveNumber);
+  app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
+      ->check(kSeconds);
+  app->add_option("--deadline", o->deadline, "seconds the whole run may take")
+      ->check(kSeconds);
+  app->add_option("--delay", o->delay, "milliseconds to wait between requests")
+      ->check(CLI::Range(0, INT32_MAX));
+  app->add_option("--user-agent", o->userAgent, "User-Agent header to send")
+      ->check(kHeaderText);
+  app->add_flag("--json", o->json, "print one JSON document: url, estimate, requests, seconds");
+  return {app, [o] { return RunEstimate(*o); }};
+}
