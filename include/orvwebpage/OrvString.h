@@ -37,7 +37,13 @@ class ORV_API OrvString {
 
   void Append(const char* text, long length);
   void CopyBuf(const char* text, long length);
-  void Clear();
+  void Clear() {
+    len = 0;
+    if (cap)
+      buf[0] = 0;
+    else
+      buf = emptyText;
+  }
   void TrimBanks();
   void ChangeToChar();
   long Cutlen(long n);
@@ -55,6 +61,10 @@ class ORV_API OrvString {
   void Reserve(long n);
 
  private:
+  // Empty texts point here so that clearing or copying nothing allocates
+  // nothing; cap 0 marks the string as not owning it, and it is never written.
+  static char emptyText[1];
+
   void Grow(uint32_t need);
   void CopyBufAnyway(const char* text, long length);
 };

@@ -36,12 +36,10 @@ class OrvByteMasks {
     const uint64_t* row = bits + size_t(kind) * size_t(words);
     int32_t w = from >> 6, lastWord = (to - 1) >> 6;
     uint64_t m = row[w] & (~uint64_t(0) << (from & 63));
-    for (;;) {
-      if (w == lastWord) m &= Below(to - (w << 6));
+    for (; w < lastWord; m = row[++w])
       if (m) return (w << 6) + __builtin_ctzll(m);
-      if (w == lastWord) return -1;
-      m = row[++w];
-    }
+    m &= Below(to - (w << 6));
+    return m ? (w << 6) + __builtin_ctzll(m) : -1;
   }
 
   // Index of the last byte of the given kind in [from, to), or -1.
@@ -50,12 +48,10 @@ class OrvByteMasks {
     const uint64_t* row = bits + size_t(kind) * size_t(words);
     int32_t w = (to - 1) >> 6, firstWord = from >> 6;
     uint64_t m = row[w] & Below(to - (w << 6));
-    for (;;) {
-      if (w == firstWord) m &= ~uint64_t(0) << (from & 63);
+    for (; w > firstWord; m = row[--w])
       if (m) return (w << 6) + 63 - __builtin_clzll(m);
-      if (w == firstWord) return -1;
-      m = row[--w];
-    }
+    m &= ~uint64_t(0) << (from & 63);
+    return m ? (w << 6) + 63 - __builtin_clzll(m) : -1;
   }
 
  private:
@@ -70,27 +66,46 @@ class OrvByteMasks {
   void Fill(const char* text, int32_t n, int32_t readable, const char (&wanted)[Kinds]) {
     for (int32_t w = 0; w < words; w++) {
       uint64_t found[Kinds] = {};
+      int32_t start = w << 6;
 #ifdef __SSE2__
-      for (int32_t at = w << 6; at < n && at < (w + 1) << 6; at += 16) {
-        __m128i v;
-        if (readable - at >= 16) {
-          v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
-        } else {
-          alignas(16) char tail[16] = {};
-          std::memcpy(tail, text + at, size_t(n - at));
-          v = _mm_load_si128(reinterpret_cast<const __m128i*>(tail));
-        }
+      if (readable - start >= 64) {
+        // A whole word can be read: four loads, fixed shifts.
+        const __m128i* in = reinterpret_cast<const __m128i*>(text + start);
+        __m128i v0 = _mm_loadu_si128(in), v1 = _mm_loadu_si128(in + 1);
+        __m128i v2 = _mm_loadu_si128(in + 2), v3 = _mm_loadu_si128(in + 3);
+#pragma GCC unroll 8
         for (int k = 0; k < Kinds; k++) {
-          uint32_t hits = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(wanted[k]))));
-          found[k] |= uint64_t(hits) << (at & 63);
+          __m128i needle = _mm_set1_epi8(wanted[k]);
+          uint64_t m0 = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v0, needle)));
+          uint64_t m1 = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v1, needle)));
+          uint64_t m2 = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v2, needle)));
+          uint64_t m3 = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v3, needle)));
+          found[k] = m0 | m1 << 16 | m2 << 32 | m3 << 48;
+        }
+      } else {
+        for (int32_t at = start; at < n && at < start + 64; at += 16) {
+          __m128i v;
+          if (readable - at >= 16) {
+            v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
+          } else {
+            alignas(16) char tail[16] = {};
+            std::memcpy(tail, text + at, size_t(n - at));
+            v = _mm_load_si128(reinterpret_cast<const __m128i*>(tail));
+          }
+#pragma GCC unroll 8
+          for (int k = 0; k < Kinds; k++) {
+            uint32_t hits = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(wanted[k]))));
+            found[k] |= uint64_t(hits) << (at & 63);
+          }
         }
       }
 #else
       (void)readable;
-      for (int32_t i = w << 6; i < n && i < (w + 1) << 6; i++)
+      for (int32_t i = start; i < n && i < start + 64; i++)
         for (int k = 0; k < Kinds; k++)
           if (text[i] == wanted[k]) found[k] |= uint64_t(1) << (i & 63);
 #endif
+#pragma GCC unroll 8
       for (int k = 0; k < Kinds; k++) bits[size_t(k) * size_t(words) + size_t(w)] = found[k];
     }
   }

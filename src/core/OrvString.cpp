@@ -7,11 +7,9 @@
 #include "core/OrvMemory.h"
 #include "core/OrvTextLength.h"
 
-namespace {
+char OrvString::emptyText[1] = {0};
 
-// Empty texts point here so that clearing or copying nothing allocates
-// nothing; cap 0 marks the string as not owning it, and it is never written.
-char emptyText[1] = {0};
+namespace {
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v';
@@ -162,14 +160,6 @@ void OrvString::CopyBufAnyway(const char* text, long length) {
   }
   len = int32_t(n);
   buf[len] = 0;
-}
-
-void OrvString::Clear() {
-  len = 0;
-  if (cap)
-    buf[0] = 0;
-  else
-    buf = emptyText;
 }
 
 void OrvString::TrimBanks() {

@@ -65,7 +65,7 @@ void AddParams(const char* query, int32_t n, OrvUrlParam*& params, int32_t& para
 }
 
 // SplitPath on text[pos, n), which holds no NUL.
-void SplitMasked(const UrlMasks& m, const char* text, int32_t pos, int32_t n, OrvStrArray& dirs,
+__attribute__((always_inline)) inline void SplitMasked(const UrlMasks& m, const char* text, int32_t pos, int32_t n, OrvStrArray& dirs,
                  OrvString& stem, OrvString& ext, OrvUrlParam*& params, int32_t& paramCount,
                  int32_t& paramCapacity) {
   // The last "#" cuts the fragment off, unless it is the first byte.
@@ -133,16 +133,18 @@ void OrvWebPageUrl::Parse(uint8_t sortParams) {
     scheme.Clear();
   }
 
-  host.Clear();
+  bool hostSet = false;
   if (n - pos >= 2) {
     if (text[pos] == '/' && text[pos + 1] == '/') pos += 2;
     if (pos < n) {
       int32_t slash = m.First(kSlash, pos, n);
       int32_t end = slash < 0 ? n : slash;
       host.CopyBuf(text + pos, end - pos);
+      hostSet = true;
       pos = slash < 0 ? n : end + 1;
     }
   }
+  if (!hostSet) host.Clear();
 
   SplitMasked(m, text, pos, n, dirs, stem, ext, params, paramCount, paramCapacity);
   if (sortParams && paramCount > 1) SortParams(params, 0, paramCount - 1, CompareParamNames);
