@@ -46,13 +46,18 @@ void OrvString::Grow(uint32_t need) {
   // Whole 16-byte units, so that word-wise scans of the text stay inside.
   wanted = (wanted + 15) & ~uint64_t(15);
   if (wanted > uint64_t(INT32_MAX) + 1) wanted = uint64_t(INT32_MAX) + 1;
+  // Scans may read the whole allocation, so none of it is left undefined.
+  uint32_t kept = 0;
   if (cap) {
     buf = static_cast<char*>(OrvReallocBytes(buf, wanted));
+    kept = cap;
   } else {
     char* fresh = static_cast<char*>(OrvAllocBytes(wanted));
     if (buf && len > 0) std::memcpy(fresh, buf, size_t(len));
     buf = fresh;
+    kept = len > 0 ? uint32_t(len) : 0;
   }
+  std::memset(buf + kept, 0, size_t(wanted - kept));
   cap = uint32_t(wanted);
 }
 
