@@ -13,7 +13,25 @@
 // There is no hash function: the bucket is the low 32 bits of the key masked
 // with bucketCount - 1, so consecutive depths land in consecutive buckets and
 // the flat order of a depth map is fixed by the depths alone.
-template <class K, class V>
+struct OrvLowBits {
+  template <class K>
+  static uint32_t Of(K key) {
+    return static_cast<uint32_t>(static_cast<uint64_t>(key));
+  }
+};
+
+// For a map that is never enumerated, whose order nobody sees: keys that are
+// addresses of aligned records would leave all but every eighth bucket empty
+// and the others long, so the alignment bits are dropped. Neighbouring
+// records still fall into neighbouring buckets. Lookups answer the same.
+struct OrvAddressBits {
+  template <class K>
+  static uint32_t Of(K key) {
+    return static_cast<uint32_t>(static_cast<uint64_t>(key) >> 12);
+  }
+};
+
+template <class K, class V, class Spread = OrvLowBits>
 class OrvIntMap {
   static_assert(std::is_integral_v<K>, "integer keys only");
   static_assert(std::is_trivially_copyable_v<V>, "entries are moved bytewise");
@@ -47,7 +65,7 @@ class OrvIntMap {
     OrvFreeBytes(flat);
   }
 
-  static uint32_t Low(K key) { return static_cast<uint32_t>(static_cast<uint64_t>(key)); }
+  static uint32_t Low(K key) { return Spread::Of(key); }
 
   // A new table finds nothing and allocates nothing.
   V* Find(K key) {
@@ -161,9 +179,9 @@ class OrvIntMap {
     b.capacity = uint32_t(capacity);
   }
 
-  // Low bucket i keeps its array; entries with bit n of the key set go to
-  // bucket i + n, taken from the back, each hole filled by the low bucket's
-  // last entry.
+  // Low bucket i keeps its array; entries with bit n of the key (as spread)
+  // set go to bucket i + n, taken from the back, each hole filled by the low
+  // bucket's last entry.
   void Double() {
     uint32_t n = bucketCount;
     Bucket* old = buckets;

@@ -15,7 +15,11 @@ inline uint64_t ItemKey(const var_item* item) {
 void OrvVisibleNodeClassifier::Classify(var_item* root) {
   minDepth = 65535;
   maxDepth = 0;
+  walkInOrder = !setKept && levels.count == 0 && children.count == 0;
+  topSeen = false;
   WalkItems(root, 1, OnItem, this);
+  classifyInOrder = walkInOrder;
+  walkInOrder = false;
 
   OrvPtrList parents;
   OrvPtrList group;
@@ -60,15 +64,25 @@ void OrvVisibleNodeClassifier::Classify(var_item* root) {
   }
   if (page->count == 0) classes.RemoveSlot(classes.count - 1);
   parentsListed.Clear();
+  classifyInOrder = false;
 }
 
-// `parents` grows only through here; a new (empty) list starts a new set.
+// After a walk in order, each level lists its items in document order and
+// parents of different depths differ, so a parent already taken is the last
+// one taken. Otherwise `parents` is matched through a set, which a new
+// (empty) list starts afresh; `parents` grows only through here.
 void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvPtrList& level) {
   if (parents.count == 0) parentsListed.Clear();
   for (int32_t r = 0; r < level.count; r++) {
     auto* record = static_cast<OrvNodeRecord*>(level.items[r]);
     var_item* parent = record->item->parent;
-    if (!parentsListed.Add(&parents, parent)) continue;
+    if (classifyInOrder) {
+      if (parents.count > 0 &&
+          static_cast<OrvNodeRecord*>(parents.items[parents.count - 1])->item == parent)
+        continue;
+    } else if (!parentsListed.Add(&parents, parent)) {
+      continue;
+    }
     int32_t depth = static_cast<int32_t>(static_cast<uint32_t>(record->depth) - 1u);
     parents.Add(NewRecord(depth, parent));
   }

@@ -29,7 +29,7 @@ class OrvVisibleNodeClassifier {
  public:
   OrvNodeTest nodeTest;
   OrvIntMap<int32_t, OrvPtrList*> levels;
-  OrvIntMap<uint64_t, OrvPtrList*> children;
+  OrvIntMap<uint64_t, OrvPtrList*, OrvAddressBits> children;  // never enumerated
   int32_t minDepth;
   int32_t maxDepth;
   OrvGrowArray<OrvPtrList> classes;  // classes.count is the class count
@@ -61,11 +61,25 @@ class OrvVisibleNodeClassifier {
   OrvBlockPool<OrvNodeRecord> recordPool;
   OrvBlockPool<OrvPtrList> listPool;
 
-  // (list, item) for every record standing in a list of either map, so that
-  // "does this list already hold a record of this item" needs no scan.
+  // "Does this list already hold a record of this item" has two answers that
+  // agree. While one walk fills empty maps from a tree whose parent links
+  // match its shape, a recorded ancestor of the item at hand is always the
+  // last record of its lists, since the walk is still inside its subtree:
+  // comparing with the last record suffices. Otherwise (a second
+  // classification without Clear, a tree with odd parent links, or a walk not
+  // started by Classify) every (list, item) pair is kept in a set, built from
+  // the lists at the moment the first answer stops holding.
+  bool walkInOrder = false;  // the first answer holds for the walk under way
+  bool classifyInOrder = false;  // ... and held for the whole walk of Classify
+  bool setKept = false;  // `listed` holds every pair of both maps
   OrvPairSet listed;
-  // Same for the parents list of a running classification.
-  OrvPairSet parentsListed;
+  OrvPairSet parentsListed;  // the same for the parents list of Classify
+
+  // The item of each depth on the walk's path, to check parent links.
+  var_item** path = nullptr;
+  int64_t pathCapacity = 0;
+  var_item* topParent = nullptr;  // the parent link of the walk's top items
+  bool topSeen = false;
 
   // Scratch of FindSimilarGroup, kept between calls.
   struct LikeSlot {
@@ -91,6 +105,10 @@ class OrvVisibleNodeClassifier {
   OrvNodeRecord* NewRecord(int32_t depth, var_item* item);
   OrvPtrList* ListUnder(OrvPtrList** slot);
   void Accept(var_item* item, int32_t depth);
+  bool FollowsPath(var_item* item, int32_t depth);
+  void KeepSet();
+  bool Holds(OrvPtrList** list, var_item* item) const;
+  void Append(OrvPtrList* list, OrvNodeRecord* record);
   int32_t FirstWithPartner(const OrvPtrList& list);
   void PushFrame(int32_t& size, OrvNodeRecord* record, OrvPtrList* list);
 };

@@ -21,6 +21,7 @@ OrvVisibleNodeClassifier::OrvVisibleNodeClassifier()
 
 OrvVisibleNodeClassifier::~OrvVisibleNodeClassifier() {
   Clear();
+  OrvFreeBytes(path);
   OrvFreeBytes(likeSlots);
   OrvFreeBytes(likeOf);
   OrvFreeBytes(frames);
@@ -46,6 +47,60 @@ void OrvVisibleNodeClassifier::OnItem(var_item* item, int32_t depth, void* user)
   static_cast<OrvVisibleNodeClassifier*>(user)->Accept(item, depth);
 }
 
+// The walk is preorder, so the last item met one level up is the walk's
+// parent of this one; the top items share one parent link.
+bool OrvVisibleNodeClassifier::FollowsPath(var_item* item, int32_t depth) {
+  if (depth < 1) return false;
+  int64_t at = int64_t(depth) - 1;
+  if (at >= pathCapacity) {
+    int64_t grown = pathCapacity ? pathCapacity * 2 : 256;
+    while (grown <= at) grown *= 2;
+    path = static_cast<var_item**>(OrvReallocBytes(path, size_t(grown) * sizeof(var_item*)));
+    pathCapacity = grown;
+  }
+  if (at == 0) {
+    if (!topSeen) {
+      topSeen = true;
+      topParent = item->parent;
+    } else if (item->parent != topParent) {
+      return false;
+    }
+  } else if (item->parent != path[at - 1]) {
+    return false;
+  }
+  path[at] = item;
+  return true;
+}
+
+void OrvVisibleNodeClassifier::KeepSet() {
+  listed.Clear();
+  for (uint32_t b = 0; b < levels.bucketCount; b++)
+    for (uint32_t e = 0; e < levels.buckets[b].used; e++) {
+      OrvPtrList* list = levels.buckets[b].entries[e].value;
+      for (int32_t r = 0; r < list->count; r++)
+        listed.Add(list, static_cast<OrvNodeRecord*>(list->items[r])->item);
+    }
+  for (uint32_t b = 0; b < children.bucketCount; b++)
+    for (uint32_t e = 0; e < children.buckets[b].used; e++) {
+      OrvPtrList* list = children.buckets[b].entries[e].value;
+      for (int32_t r = 0; r < list->count; r++)
+        listed.Add(list, static_cast<OrvNodeRecord*>(list->items[r])->item);
+    }
+  setKept = true;
+}
+
+bool OrvVisibleNodeClassifier::Holds(OrvPtrList** list, var_item* item) const {
+  if (!list) return false;
+  if (setKept) return listed.Contains(*list, item);
+  const OrvPtrList* l = *list;
+  return l->count > 0 && static_cast<OrvNodeRecord*>(l->items[l->count - 1])->item == item;
+}
+
+void OrvVisibleNodeClassifier::Append(OrvPtrList* list, OrvNodeRecord* record) {
+  list->Add(record);
+  if (setKept) listed.Add(list, record->item);
+}
+
 // The walk meets each item once, so the accepted item's own record goes in
 // without a search. Its ancestors follow nearest first, each recorded once
 // per list. An ancestor that stands both at its depth and under its parent
@@ -55,35 +110,23 @@ void OrvVisibleNodeClassifier::OnItem(var_item* item, int32_t depth, void* user)
 // The lists written in one call all differ, so doing the steps ancestor by
 // ancestor instead of map by map leaves every list in the same order.
 void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
+  if (walkInOrder && !FollowsPath(item, depth)) walkInOrder = false;
+  if (!walkInOrder && !setKept) KeepSet();
   if (!nodeTest(item)) return;
   OrvNodeRecord* record = NewRecord(depth, item);
-  OrvPtrList* siblings = ListUnder(children.Insert(ParentKey(item->parent)));
-  siblings->Add(record);
-  listed.Add(siblings, item);
-  OrvPtrList* level = ListUnder(levels.Insert(depth));
-  level->Add(record);
-  listed.Add(level, item);
+  Append(ListUnder(children.Insert(ParentKey(item->parent))), record);
+  Append(ListUnder(levels.Insert(depth)), record);
 
   int32_t at = depth;
   for (var_item* ancestor = item->parent; ancestor; ancestor = ancestor->parent) {
     at = Above(at);
     uint64_t key = ParentKey(ancestor->parent);
-    OrvPtrList** atLevel = levels.Find(at);
-    OrvPtrList** under = children.Find(key);
-    bool inLevel = atLevel && listed.Contains(*atLevel, ancestor);
-    bool inChildren = under && listed.Contains(*under, ancestor);
+    bool inLevel = Holds(levels.Find(at), ancestor);
+    bool inChildren = Holds(children.Find(key), ancestor);
     if (inLevel && inChildren) break;
     OrvNodeRecord* chained = NewRecord(at, ancestor);
-    if (!inChildren) {
-      OrvPtrList* list = ListUnder(children.Insert(key));
-      list->Add(chained);
-      listed.Add(list, ancestor);
-    }
-    if (!inLevel) {
-      OrvPtrList* list = ListUnder(levels.Insert(at));
-      list->Add(chained);
-      listed.Add(list, ancestor);
-    }
+    if (!inChildren) Append(ListUnder(children.Insert(key)), chained);
+    if (!inLevel) Append(ListUnder(levels.Insert(at)), chained);
   }
 
   if (minDepth > depth) minDepth = depth;
@@ -101,4 +144,5 @@ void OrvVisibleNodeClassifier::Clear() {
   recordPool.FreeBlocks();
   listed.Clear();
   parentsListed.Clear();
+  setKept = false;
 }

@@ -184,6 +184,15 @@ TEST(ClassifyModel, RandomTreesMatchTheLiteralSteps) {
   for (int round = 0; round < 1500; round++) {
     std::string description = RandomTree(rng);
     ItemTree t(description);
+    // Now and then parent links that disagree with the shape: each points to
+    // an earlier item (never a descendant) or nowhere.
+    if (round % 3 == 2) {
+      for (int k = 0; k < 3 && t.size() > 2; k++) {
+        size_t i = 1 + rng() % (t.size() - 1);
+        size_t target = rng() % (i + 1);
+        t[i]->parent = target == i ? nullptr : t[target];
+      }
+    }
     for (OrvNodeTest test : {static_cast<OrvNodeTest>(IsVisibleText), TextOrMarked}) {
       // A subtree root now and then, so that the climb goes above depth 1.
       var_item* root = round % 5 == 4 && t.size() > 2 ? t[1] : t.root();

@@ -190,3 +190,32 @@ TEST(IntMap, FlattenIsASnapshot) {
   EXPECT_EQ(map.Flatten(), 0);
   EXPECT_EQ(map.flat, flat);
 }
+
+// The spread of a map decides only where keys stand, never what is found.
+TEST(IntMap, SpreadOfAddressesAnswersTheSame) {
+  OrvIntMap<uint64_t, int32_t> low;
+  OrvIntMap<uint64_t, int32_t, OrvAddressBits> spread;
+  const uint64_t base = 0x7f0000001000ull;
+  for (int32_t i = 0; i < 20000; i++) {
+    uint64_t key = base + uint64_t(i) * 104u;
+    int foundLow = -1, foundSpread = -1;
+    *low.Insert(key, &foundLow) = i;
+    *spread.Insert(key, &foundSpread) = i;
+    ASSERT_EQ(foundLow, foundSpread);
+  }
+  for (int32_t i = 0; i < 20000; i += 3) {
+    int32_t a = -1, b = -2;
+    EXPECT_EQ(low.Remove(base + uint64_t(i) * 104u, &a), 1);
+    EXPECT_EQ(spread.Remove(base + uint64_t(i) * 104u, &b), 1);
+    EXPECT_EQ(a, b);
+  }
+  EXPECT_EQ(low.count, spread.count);
+  for (int32_t i = -5; i < 20005; i++) {
+    uint64_t key = base + uint64_t(int64_t(i)) * 104u;
+    int32_t* a = low.Find(key);
+    int32_t* b = spread.Find(key);
+    ASSERT_EQ(a == nullptr, b == nullptr) << i;
+    if (a) EXPECT_EQ(*a, *b);
+    if (a) EXPECT_EQ(*a, i);
+  }
+}
