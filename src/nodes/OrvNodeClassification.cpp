@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "core/OrvMemory.h"
 #include "nodes/OrvVisibleNodeClassifier.h"
 
@@ -23,6 +25,9 @@ void OrvVisibleNodeClassifier::Classify(var_item* root) {
 
   OrvPtrList parents;
   OrvPtrList group;
+  // Block classes are gathered in pool lists and moved into `classes` in one
+  // step at the end, so that growing the array never copies a class.
+  OrvPtrList blocks;
   parentsListed.Clear();
   // A parent once examined would only be found again with the same outcome:
   // no list changes during the classification and keys only ever leave
@@ -41,16 +46,24 @@ void OrvVisibleNodeClassifier::Classify(var_item* root) {
       if (list->count < 2) continue;
       FindSimilarGroup(group, *list);
       if (group.count < 2) continue;
-      OrvPtrList* block = classes.AddSlot();
+      OrvPtrList* block = listPool.Alloc();
       block->count = 0;
       CollectBlock(*block, *list);
       children.Remove(ItemKey(parent));
-      if (block->count == 0) classes.count--;
+      if (block->count > 0) blocks.Add(block);
     }
     examined = added;
   }
 
-  OrvPtrList* page = classes.AddSlots(1);
+  OrvPtrList* slots = classes.AddSlots(blocks.count + 1);
+  for (int32_t b = 0; b < blocks.count; b++) {
+    auto* block = static_cast<OrvPtrList*>(blocks.items[b]);
+    std::swap(slots[b].items, block->items);
+    std::swap(slots[b].capacity, block->capacity);
+    slots[b].count = block->count;
+    block->count = 0;
+  }
+  OrvPtrList* page = &slots[blocks.count];
   page->count = 0;
   levels.DropFlat();
   levels.Flatten();

@@ -3,6 +3,8 @@
 
 namespace {
 
+constexpr int32_t kFirstListSlots = 4;
+
 // The key of a parent in `children`: its address, 0 for the top level.
 inline uint64_t ParentKey(const var_item* item) {
   return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(item));
@@ -34,10 +36,16 @@ OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(int32_t depth, var_item* item
   return record;
 }
 
+// Most lists of a page hold one to three records, so a new list starts with
+// room for four instead of the usual 32; it grows as any list does.
 OrvPtrList* OrvVisibleNodeClassifier::ListUnder(OrvPtrList** slot) {
   if (!*slot) {
     OrvPtrList* list = listPool.Alloc();
     list->count = 0;
+    if (!list->items) {
+      list->items = static_cast<void**>(OrvAllocBytes(kFirstListSlots * sizeof(void*)));
+      list->capacity = kFirstListSlots;
+    }
     *slot = list;
   }
   return *slot;
