@@ -6,17 +6,13 @@
 #include <nlohmann/json.hpp>
 
 #include "Command.h"
+#include "JsonOutput.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
 #include "url/OrvUrlFilterExtractor.h"
 #include "url/OrvWebPageUrl.h"
 
 namespace {
-
-// URLs are bytes, not text: invalid UTF-8 shows as U+FFFD instead of failing.
-void PrintJson(const nlohmann::ordered_json& doc) {
-  std::cout << doc.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << "\n";
-}
 
 struct KeysOptions {
   std::string entry;
