@@ -7,6 +7,14 @@
 #include "core/OrvStrMap.h"
 #include "orvwebpage/OrvString.h"
 
+// Clear walks every bucket, and a map grown by one big page keeps its
+// buckets; an empty map is skipped so that resetting after each of many
+// repeated URLs costs nothing. Clear of an empty map would change nothing.
+template <class V>
+void ClearIfUsed(OrvStrMap<V>& map) {
+  if (map.count || map.flat || map.keysUsed) map.Clear();
+}
+
 // Compares a listed element with a new record; 0 means they match.
 using OrvRecordTest = int (*)(const void* element, const void* record);
 
@@ -46,7 +54,7 @@ struct OrvKeyedList {
 
   // Forgets the page: the map keeps its arrays, the pools give theirs back.
   void Reset() {
-    map.Clear();
+    ClearIfUsed(map);
     lists.FreeBlocks();
     records.FreeBlocks();
   }

@@ -54,7 +54,7 @@ bool OrvPageHarvest::AddLink(OrvLinkRecord* record) {
 }
 
 void OrvPageHarvest::ResetLinks() {
-  listedUrls.Clear();
+  ClearIfUsed(listedUrls);
   links.Reset();
   numbers.Reset();
   runs.Reset();

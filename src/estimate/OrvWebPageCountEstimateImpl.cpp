@@ -4,6 +4,6 @@ void OrvWebPageCountEstimateImpl::ResetPage() {
   running.store(1, std::memory_order_relaxed);
   ResetLinks();
   textNodes.Reset();
-  textSums.Clear();
-  pageUrls.Clear();
+  ClearIfUsed(textSums);
+  ClearIfUsed(pageUrls);
 }
