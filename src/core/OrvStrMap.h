@@ -203,18 +203,22 @@ class OrvStrMap {
   }
 
   // Grows by a twentieth plus 256 once the key would fill the buffer exactly.
+  // The key may be a text of this very buffer (from GetAt), so it is copied
+  // before the old buffer goes.
   int32_t AddKeyBytes(const char* key, int32_t n) {
     int64_t needed = int64_t(keysUsed) + n;
+    char* old = nullptr;
     if (needed >= keysSize) {
       int64_t size = needed + needed / 20 + 256;
       if (size > INT32_MAX) OrvOutOfMemory();
       char* grown = static_cast<char*>(OrvAllocBytes(size_t(size)));
       if (keysUsed > 0) Orvmemcpy(grown, keys, keysUsed);
-      OrvFreeBytes(keys);
+      old = keys;
       keys = grown;
       keysSize = int32_t(size);
     }
     if (n > 0) Orvmemcpy(keys + keysUsed, key, n);
+    OrvFreeBytes(old);
     int32_t offset = keysUsed;
     keysUsed += n;
     return offset;

@@ -120,6 +120,22 @@ TEST(StrMap, KeyBufferGrowsByATwentiethWhenExactlyFull) {
     EXPECT_NE(map.Find(a.c_str(), c.first), nullptr);
     EXPECT_NE(map.Find(b.c_str(), c.second), nullptr);
   }
+  // A key read back from the table may be inserted again as part of a longer
+  // key, while that very insert moves the buffer.
+  Map map;
+  std::string big;
+  for (int i = 0; i < 1000; i++) big += char('a' + i % 26);
+  map.Insert(big.c_str(), 1000);
+  const char* stored = nullptr;
+  int32_t storedLen = 0;
+  map.GetAt(0, &stored, &storedLen);
+  map.Insert(stored, 999);
+  map.GetAt(0, &stored, &storedLen);  // read afresh: the buffer has moved
+  map.Insert(stored + 1, 999);
+  EXPECT_GT(map.keysSize, 2000);
+  EXPECT_NE(map.Find(big.c_str(), 999), nullptr);
+  EXPECT_NE(map.Find(big.c_str() + 1, 999), nullptr);
+  EXPECT_EQ(map.count, 3u);
 }
 
 TEST(StrMap, DoublingMovesEntriesFromTheBackAndFillsHoles) {
