@@ -97,7 +97,11 @@ class ORV_API OrvStrArray {
   char* operator[](long i) const;
   int GetString(long i, OrvString& out) const;
   long GetStringLen(long i) const;
-  void RemoveAll(int freeStorage);
+  // Storage stays: the same arrays are filled again and again.
+  void RemoveAll(int) {
+    used = 0;
+    count = 0;
+  }
   int Split(const char* text, char separator);
 
  private:

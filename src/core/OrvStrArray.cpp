@@ -83,12 +83,6 @@ long OrvStrArray::GetStringLen(long i) const {
   return Orvstrlen(buf + offsets[i]);
 }
 
-void OrvStrArray::RemoveAll(int) {
-  // Storage stays: the same arrays are filled again and again.
-  used = 0;
-  count = 0;
-}
-
 int OrvStrArray::Split(const char* text, char separator) {
   uint32_t n = OrvTextLength(text, -1);
   if (n == 0) {
