@@ -106,10 +106,11 @@ int RunEstimate(const EstimateOptions& o) {
     progress->Clear();
   }
 
-  // The estimator gives 0 when its entry page could not be read. (A listing
-  // entry whose pages hold no crawlable link gives 0 too; it is reported the
-  // same way, since the HTTP layer counts requests, not successes.)
-  if (estimate == 0)
+  // Nothing could be read when the estimate is 0 and at most the entry was
+  // asked for. A read entry page can give 0 as well (a listing whose pages
+  // hold no crawlable link), but finding that listing's last page takes
+  // probes, so such a run has made more than one request.
+  if (estimate == 0 && requests <= 1)
     throw CommandError("cannot read " + o.url +
                        (spent ? ": the deadline or the request budget ran out first"
                               : ": no readable page came back"));
