@@ -24,3 +24,5 @@ std::string ReadInput(const std::string& path);
 Command AddUrlCommand(CLI::App& parent);
 Command AddKeysCommand(CLI::App& parent);
 Command AddSearchCommand(CLI::App& parent);
+Command AddLinksCommand(CLI::App& parent);
+Command AddEstimateCommand(CLI::App& parent);

@@ -8,7 +8,8 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", ORV_VERSION);
   app.require_subcommand(1);
 
-  const std::vector<Command (*)(CLI::App&)> factories = {AddUrlCommand, AddKeysCommand, AddSearchCommand};
+  const std::vector<Command (*)(CLI::App&)> factories = {AddUrlCommand, AddKeysCommand, AddSearchCommand,
+                                                            AddLinksCommand, AddEstimateCommand};
   std::vector<Command> commands;
   for (auto add : factories) commands.push_back(add(app));
 
