@@ -26,3 +26,4 @@ Command AddKeysCommand(CLI::App& parent);
 Command AddSearchCommand(CLI::App& parent);
 Command AddLinksCommand(CLI::App& parent);
 Command AddEstimateCommand(CLI::App& parent);
+Command AddNodesCommand(CLI::App& parent);

@@ -9,7 +9,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
 
   const std::vector<Command (*)(CLI::App&)> factories = {AddUrlCommand, AddKeysCommand, AddSearchCommand,
-                                                            AddLinksCommand, AddEstimateCommand};
+                                                            AddLinksCommand, AddEstimateCommand, AddNodesCommand};
   std::vector<Command> commands;
   for (auto add : factories) commands.push_back(add(app));
 

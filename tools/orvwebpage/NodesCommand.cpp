@@ -1,0 +1,100 @@
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Command.h"
+#include "JsonOutput.h"
+#include "PageSource.h"
+#include "orvwebpage/OrvHtml.h"
+#include "orvwebpage/OrvWebPageVisibleNodes.h"
+
+// orvwebpage nodes [--json] FILE|URL: the visible texts of a page in classes,
+// one per repeated block and last the whole page.
+
+namespace {
+
+struct NodesOptions {
+  std::string source;
+  bool json = false;
+};
+
+using TextClasses = std::vector<std::vector<std::string>>;
+
+// Texts are copied out while the document is open; the classes only point
+// into it.
+TextClasses ClassifyPage(std::string page) {
+  OrvHtml doc;
+  if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8) != 0)
+    throw CommandError("cannot parse the page");
+  OrvWebPageVisibleNodes nodes;
+  nodes.ClassifyNodes(doc.root);
+  TextClasses classes;
+  for (int c = 0; c < nodes.GetClassCount(); c++) {
+    void* handle = nodes.FetchClass(c);
+    auto& texts = classes.emplace_back();
+    for (int i = 0; i < nodes.GetNodesCount(handle); i++) {
+      var_item* item = nullptr;
+      if (nodes.FetchNode(handle, i, item))
+        texts.emplace_back(item->text, size_t(MeasuredLen(item->text, item->text_len)));
+    }
+  }
+  nodes.ClearNodes();
+  doc.Close();
+  return classes;
+}
+
+// One line per text: whitespace runs become one blank, ends trimmed.
+std::string OneLine(const std::string& text) {
+  std::string out;
+  bool blank = false;
+  for (char c : text) {
+    if (c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v') {
+      blank = !out.empty();
+      continue;
+    }
+    if (blank) out += ' ';
+    blank = false;
+    out += c;
+  }
+  return out;
+}
+
+void PrintReadable(const TextClasses& classes) {
+  size_t items = classes.empty() ? 0 : classes.back().size();
+  std::cout << classes.size() << (classes.size() == 1 ? " class, " : " classes, ") << items
+            << (items == 1 ? " visible text\n" : " visible texts\n");
+  for (size_t c = 0; c < classes.size(); c++) {
+    const auto& texts = classes[c];
+    bool page = c + 1 == classes.size();
+    std::cout << "\n" << (page ? std::string("page") : "block " + std::to_string(c)) << " ("
+              << texts.size() << (texts.size() == 1 ? " text)\n" : " texts)\n");
+    for (const auto& text : texts) std::cout << "  " << OneLine(text) << "\n";
+  }
+}
+
+int RunNodes(const NodesOptions& options) {
+  TextClasses classes = ClassifyPage(ReadPageSource(options.source));
+  if (options.json) {
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (const auto& texts : classes) list.push_back({{"items", texts}});
+    PrintJson(nlohmann::ordered_json{{"classes", std::move(list)}});
+  } else {
+    PrintReadable(classes);
+  }
+  return 0;
+}
+
+}  // namespace
+
+Command AddNodesCommand(CLI::App& parent) {
+  auto options = std::make_shared<NodesOptions>();
+  CLI::App* app = parent.add_subcommand(
+      "nodes", "Sort the visible texts of a page into classes: one per repeated block, then the page");
+  app->add_option("source", options->source, "Page: a file, - for stdin, or an http(s) URL")
+      ->required();
+  app->add_flag("--json", options->json, "Print one JSON document");
+  return {app, [options] { return RunNodes(*options); }};
+}
