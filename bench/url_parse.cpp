@@ -8,8 +8,8 @@
 #include <curl/curl.h>
 #include <uriparser/Uri.h>
 
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <fstream>
 #include <map>
 #include <string>
@@ -107,7 +107,8 @@ int main(int argc, char** argv) {
   benchmark::Shutdown();
   auto& f = NsPerUrl();
   if (f.count("orv") && f.count("uriparser") && f.count("libcurl"))
-    std::printf("ns per URL over %zu links: ours %.1f, uriparser %.1f, libcurl %.1f; ours/uriparser %.3f\n",
-                Links().size(), f["orv"], f["uriparser"], f["libcurl"], f["orv"] / f["uriparser"]);
+    std::printf(
+        "ns per URL over %zu links: ours %.1f, uriparser %.1f, libcurl %.1f; ours/uriparser %.3f\n",
+        Links().size(), f["orv"], f["uriparser"], f["libcurl"], f["orv"] / f["uriparser"]);
   return 0;
 }

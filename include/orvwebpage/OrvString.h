@@ -76,8 +76,8 @@ class ORV_API OrvStrArray {
   char* buf;
 
  private:
-  int32_t used;      // bytes of buf in use
-  int32_t bufCap;    // bytes allocated at buf
+  int32_t used;    // bytes of buf in use
+  int32_t bufCap;  // bytes allocated at buf
 
  public:
   int32_t count;

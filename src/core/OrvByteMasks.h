@@ -20,8 +20,9 @@ class OrvByteMasks {
   OrvByteMasks(const char* text, int32_t n, int32_t readable, const char (&wanted)[Kinds]) {
     if (n < 0) n = 0;
     words = n > 0 ? (n + 63) / 64 : 1;
-    bits = words <= kLocalWords ? local : static_cast<uint64_t*>(OrvAllocBytes(
-                                              sizeof(uint64_t) * size_t(words) * Kinds));
+    bits = words <= kLocalWords
+               ? local
+               : static_cast<uint64_t*>(OrvAllocBytes(sizeof(uint64_t) * size_t(words) * Kinds));
     Fill(text, n, readable < n ? n : readable, wanted);
   }
   ~OrvByteMasks() {
@@ -94,7 +95,8 @@ class OrvByteMasks {
           }
 #pragma GCC unroll 8
           for (int k = 0; k < Kinds; k++) {
-            uint32_t hits = uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(wanted[k]))));
+            uint32_t hits =
+                uint32_t(_mm_movemask_epi8(_mm_cmpeq_epi8(v, _mm_set1_epi8(wanted[k]))));
             found[k] |= uint64_t(hits) << (at & 63);
           }
         }

@@ -295,7 +295,8 @@ int OrvString::CapsIsEqual(const char* text, long length) const {
   uint32_t n = OrvTextLength(text, length);
   if (int64_t(n) != len) return 0;
   for (uint32_t i = 0; i < n; i++)
-    if (FoldCase(static_cast<unsigned char>(buf[i])) != FoldCase(static_cast<unsigned char>(text[i])))
+    if (FoldCase(static_cast<unsigned char>(buf[i])) !=
+        FoldCase(static_cast<unsigned char>(text[i])))
       return 0;
   return 1;
 }

@@ -131,9 +131,7 @@ void OrvString::Format(const char* format, ...) {
     *p++ = conv;
     *p = 0;
     switch (conv) {
-      case '%':
-        out += '%';
-        break;
+      case '%': out += '%'; break;
       case 'd':
       case 'i':
         switch (size) {
@@ -173,9 +171,7 @@ void OrvString::Format(const char* format, ...) {
           AppendOne(out, spec, s ? s : "");
         }
         break;
-      case 'p':
-        AppendOne(out, spec, va_arg(args, void*));
-        break;
+      case 'p': AppendOne(out, spec, va_arg(args, void*)); break;
       case 'f':
       case 'F':
       case 'e':

@@ -66,10 +66,11 @@ void AddParams(const char* query, int32_t n, OrvUrlParam*& params, int32_t& para
 
 // SplitPath on text[pos, n), which holds no NUL. Inlined into Parse: the
 // call with its ten arguments cost a measurable part of a short URL.
-__attribute__((always_inline)) inline void SplitMasked(
-    const UrlMasks& m, const char* text, int32_t pos, int32_t n, OrvStrArray& dirs,
-    OrvString& stem, OrvString& ext, OrvUrlParam*& params, int32_t& paramCount,
-    int32_t& paramCapacity) {
+__attribute__((always_inline)) inline void SplitMasked(const UrlMasks& m, const char* text,
+                                                       int32_t pos, int32_t n, OrvStrArray& dirs,
+                                                       OrvString& stem, OrvString& ext,
+                                                       OrvUrlParam*& params, int32_t& paramCount,
+                                                       int32_t& paramCapacity) {
   // The last "#" cuts the fragment off, unless it is the first byte.
   int32_t hash = m.Last(kHash, pos, n);
   if (hash > pos) n = hash;

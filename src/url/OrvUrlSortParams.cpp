@@ -79,7 +79,8 @@ void OrvWebPageUrl::SortParams(OrvUrlParam* params, int first, int last, OrvPara
   if (compare == CompareParamNames && last - first + 1 >= kRankedFrom) {
     // Already in order: the quicksort would leave it as it is.
     bool ordered = true;
-    for (int k = first; k < last && ordered; k++) ordered = compare(&params[k], &params[k + 1]) <= 0;
+    for (int k = first; k < last && ordered; k++)
+      ordered = compare(&params[k], &params[k + 1]) <= 0;
     if (!ordered) SortRanked(params, first, last - first + 1);
     return;
   }

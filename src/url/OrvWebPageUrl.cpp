@@ -26,7 +26,8 @@ OrvWebPageUrl::~OrvWebPageUrl() { OrvDeleteArray(params); }
 void OrvWebPageUrl::Rebuild() {
   long size = long(scheme.len) + host.len + stem.len + ext.len + 8;
   for (int32_t i = 0; i < dirs.count; i++) size += dirs.GetStringLen(i) + 1;
-  for (int32_t i = 0; i < paramCount; i++) size += long(params[i].name.len) + params[i].value.len + 2;
+  for (int32_t i = 0; i < paramCount; i++)
+    size += long(params[i].name.len) + params[i].value.len + 2;
   url.Clear();
   url.Reserve(size);
   if (scheme.len > 0) {

@@ -1,14 +1,13 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
-#include <unistd.h>
 
 namespace {
 
@@ -87,16 +86,18 @@ TEST(UrlCommand, NoSortAndReadableForm) {
     std::vector<std::string> wantInOut;
   };
   const std::vector<Case> cases = {
-      {{"url", "--no-sort", "--json", "/p?b=2&a=1"}, {"\"rebuilt\": \"/p?b=2&a=1\"", "\"names\": \"b,a\""}},
+      {{"url", "--no-sort", "--json", "/p?b=2&a=1"},
+       {"\"rebuilt\": \"/p?b=2&a=1\"", "\"names\": \"b,a\""}},
       {{"url", "--json", "/p?b=2&a=1"}, {"\"rebuilt\": \"/p?a=1&b=2\"", "\"names\": \"a,b\""}},
       {{"url", "http://h.test/x/y.html?b=2&a=1"},
-       {"http://h.test/x/y.html?b=2&a=1", "h.test", "x", "a=1, b=2", "http://h.test/x/y.html?a=1&b=2",
-        "a,b"}},
+       {"http://h.test/x/y.html?b=2&a=1", "h.test", "x", "a=1, b=2",
+        "http://h.test/x/y.html?a=1&b=2", "a,b"}},
   };
   for (const auto& c : cases) {
     Result r = RunOrvwebpage(c.args);
     EXPECT_EQ(r.status, 0) << r.err;
-    for (const auto& want : c.wantInOut) EXPECT_NE(r.out.find(want), std::string::npos) << want << "\n" << r.out;
+    for (const auto& want : c.wantInOut)
+      EXPECT_NE(r.out.find(want), std::string::npos) << want << "\n" << r.out;
   }
 }
 

@@ -99,9 +99,8 @@ TEST(OrvGrowArray, AddSlots) {
     int32_t wantCount, wantCapacity, wantIndex;
   };
   const std::vector<Case> cases = {
-      {0, 1, 1, 1, 0},    {0, 10, 10, 12, 0},  {0, 0, 0, 0, 0},   {0, -3, 0, 0, 0},
-      {2, 3, 5, 5, 2},    {4, 1, 5, 6, 4},     {4, 0, 4, 5, 4},    {5, 0, 5, 6, 5},
-      {5, -1, 5, 6, 5},   {5, 2, 7, 9, 5},
+      {0, 1, 1, 1, 0}, {0, 10, 10, 12, 0}, {0, 0, 0, 0, 0}, {0, -3, 0, 0, 0}, {2, 3, 5, 5, 2},
+      {4, 1, 5, 6, 4}, {4, 0, 4, 5, 4},    {5, 0, 5, 6, 5}, {5, -1, 5, 6, 5}, {5, 2, 7, 9, 5},
   };
   for (const auto& c : cases) {
     OrvGrowArray<int> array;
@@ -121,9 +120,8 @@ TEST(OrvGrowArray, RemoveSlot) {
     std::vector<std::string> wantLive;
   };
   const std::vector<Case> cases = {
-      {-1, 0, {"a", "b", "c", "d"}}, {4, 0, {"a", "b", "c", "d"}},
-      {3, 1, {"a", "b", "c"}},       {0, 1, {"d", "b", "c"}},
-      {1, 1, {"a", "d", "c"}},
+      {-1, 0, {"a", "b", "c", "d"}}, {4, 0, {"a", "b", "c", "d"}}, {3, 1, {"a", "b", "c"}},
+      {0, 1, {"d", "b", "c"}},       {1, 1, {"a", "d", "c"}},
   };
   for (const auto& c : cases) {
     OrvGrowArray<OrvString> array;

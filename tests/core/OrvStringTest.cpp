@@ -43,8 +43,18 @@ TEST(OrvString, ZeroFilledAndDefaultBehaveAlike) {
       {"append char", [](OrvString& s) { s += 'q'; }, "q"},
       {"Append counted", [](OrvString& s) { s.Append("hello", 2); }, "he"},
       {"Format", [](OrvString& s) { s.Format("%d", 42); }, "42"},
-      {"TrimBanks then Clear", [](OrvString& s) { s.TrimBanks(); s.Clear(); }, ""},
-      {"CutBefore then Clear", [](OrvString& s) { s.CutBefore(3); s.Clear(); }, ""},
+      {"TrimBanks then Clear",
+       [](OrvString& s) {
+         s.TrimBanks();
+         s.Clear();
+       },
+       ""},
+      {"CutBefore then Clear",
+       [](OrvString& s) {
+         s.CutBefore(3);
+         s.Clear();
+       },
+       ""},
   };
   for (const auto& c : cases) {
     OrvString built;
@@ -81,9 +91,8 @@ TEST(OrvString, LengthRule) {
     std::string want;
   };
   const std::vector<Case> cases = {
-      {"hello", -1, "hello"}, {"hello", 3, "hel"}, {"hello", 0, ""},
-      {nullptr, 0, ""},       {nullptr, -1, ""},   {raw, 4, "abcd"},
-      {"", -1, ""},
+      {"hello", -1, "hello"}, {"hello", 3, "hel"}, {"hello", 0, ""}, {nullptr, 0, ""},
+      {nullptr, -1, ""},      {raw, 4, "abcd"},    {"", -1, ""},
   };
   for (const auto& c : cases) {
     std::string where = c.want + "/" + std::to_string(c.length);
@@ -118,8 +127,7 @@ TEST(OrvString, InPlaceEdits) {
       {"malformed percent stays", "%zz%4%", [](OrvString& s) { s.ChangeToChar(); }, "%zz%4%"},
       {"percent at end", "a%4", [](OrvString& s) { s.ChangeToChar(); }, "a%4"},
       {"plus stays", "a+b", [](OrvString& s) { s.ChangeToChar(); }, "a+b"},
-      {"decoded percent not decoded again", "%2541", [](OrvString& s) { s.ChangeToChar(); },
-       "%41"},
+      {"decoded percent not decoded again", "%2541", [](OrvString& s) { s.ChangeToChar(); }, "%41"},
       {"decode to NUL byte", "a%00b", [](OrvString& s) { s.ChangeToChar(); },
        std::string("a\0b", 3)},
       {"Cutlen 0", "abc", [](OrvString& s) { s.Cutlen(0); }, ""},
@@ -127,26 +135,38 @@ TEST(OrvString, InPlaceEdits) {
       {"Cutlen len", "abc", [](OrvString& s) { s.Cutlen(3); }, "abc"},
       {"CutBefore 1", "abc", [](OrvString& s) { s.CutBefore(1); }, "bc"},
       {"CutBefore len", "abc", [](OrvString& s) { s.CutBefore(3); }, ""},
-      {"replace shorter", "a&amp;b&amp;&amp;c", [](OrvString& s) { s.ReplaceAll("&amp;", 5, "&", 1); },
-       "a&b&&c"},
+      {"replace shorter", "a&amp;b&amp;&amp;c",
+       [](OrvString& s) { s.ReplaceAll("&amp;", 5, "&", 1); }, "a&b&&c"},
       {"replace left to right", "aaa", [](OrvString& s) { s.ReplaceAll("aa", 2, "b", 1); }, "ba"},
       {"replace longer", "x.y.", [](OrvString& s) { s.ReplaceAll(".", 1, "<.>", 3); }, "x<.>y<.>"},
       {"replace to nothing", "abab", [](OrvString& s) { s.ReplaceAll("b", 1, "", 0); }, "aa"},
       {"replace absent", "abc", [](OrvString& s) { s.ReplaceAll("&amp;", 5, "&", 1); }, "abc"},
-      {"replace result not rescanned", "&amp;amp;", [](OrvString& s) { s.ReplaceAll("&amp;", 5, "&", 1); },
-       "&amp;"},
+      {"replace result not rescanned", "&amp;amp;",
+       [](OrvString& s) { s.ReplaceAll("&amp;", 5, "&", 1); }, "&amp;"},
       {"Format replaces", "old", [](OrvString& s) { s.Format("%s;", "new"); }, "new;"},
       {"Format two", "old", [](OrvString& s) { s.Format("%s%s", "a", "b"); }, "ab"},
-      {"Format NULL", "old", [](OrvString& s) { const char* volatile none = nullptr;  // opaque to the format checker
-         s.Format("%s%s", none, "b"); }, "b"},
+      {"Format NULL", "old",
+       [](OrvString& s) {
+         const char* volatile none = nullptr;  // opaque to the format checker
+         s.Format("%s%s", none, "b");
+       },
+       "b"},
       {"Format int", "", [](OrvString& s) { s.Format("%d", INT_MIN); }, "-2147483648"},
-      {"Format width and star", "", [](OrvString& s) { s.Format("[%5s|%-*d|%.2f%%]", "ab", 3, 7, 1.5); },
-       "[   ab|7  |1.50%]"},
-      {"Format own text", "self", [](OrvString& s) { s.Format("%s+%s", s.buf, s.buf); }, "self+self"},
-      {"append own text", "ab", [](OrvString& s) { s.Append(s.buf, s.len); s.Append(s.buf, -1); },
+      {"Format width and star", "",
+       [](OrvString& s) { s.Format("[%5s|%-*d|%.2f%%]", "ab", 3, 7, 1.5); }, "[   ab|7  |1.50%]"},
+      {"Format own text", "self", [](OrvString& s) { s.Format("%s+%s", s.buf, s.buf); },
+       "self+self"},
+      {"append own text", "ab",
+       [](OrvString& s) {
+         s.Append(s.buf, s.len);
+         s.Append(s.buf, -1);
+       },
        "abababab"},
       {"copy own tail", "abcdef", [](OrvString& s) { s.CopyBuf(s.buf + 2, -1); }, "cdef"},
-      {"long append", "", [](OrvString& s) { for (int i = 0; i < 1000; i++) s += char('a' + i % 26); },
+      {"long append", "",
+       [](OrvString& s) {
+         for (int i = 0; i < 1000; i++) s += char('a' + i % 26);
+       },
        Alphabet(1000)},
   };
   for (const auto& c : cases) {
@@ -166,16 +186,25 @@ TEST(OrvString, Searches) {
     int want;
   };
   const std::vector<Case> cases = {
-      {"abcabc", "find", "bc", 0, 1},   {"abcabc", "find", "bc", 2, 4},
-      {"abcabc", "find", "cab", 0, 2},  {"abcabc", "find", "abcabcx", 0, -1},
-      {"abcabc", "find", "", 0, 0},     {"", "find", "", 0, 0},
-      {"aab", "find", "ab", 0, 1},      {"abc", "find", "c", 3, -1},
+      {"abcabc", "find", "bc", 0, 1},
+      {"abcabc", "find", "bc", 2, 4},
+      {"abcabc", "find", "cab", 0, 2},
+      {"abcabc", "find", "abcabcx", 0, -1},
+      {"abcabc", "find", "", 0, 0},
+      {"", "find", "", 0, 0},
+      {"aab", "find", "ab", 0, 1},
+      {"abc", "find", "c", 3, -1},
       {std::string("a\0b", 3), "find", "b", 0, 2},
-      {"a?b?c", "findc", "?", 0, 1},    {"?ab", "findc", "?", 0, 0},
-      {"abc", "findc", "z", 0, -1},     {"", "findc", "a", 0, -1},
-      {"a#b#c", "rfindc", "#", -1, 3},  {"#abc", "rfindc", "#", -1, 0},
-      {"abc", "rfindc", "z", -1, -1},   {"", "rfindc", ".", -1, -1},
-      {"a.b.c", "rfindc", ".", 2, 1},   {"\xff.\xff", "rfindc", "\xff", -1, 2},
+      {"a?b?c", "findc", "?", 0, 1},
+      {"?ab", "findc", "?", 0, 0},
+      {"abc", "findc", "z", 0, -1},
+      {"", "findc", "a", 0, -1},
+      {"a#b#c", "rfindc", "#", -1, 3},
+      {"#abc", "rfindc", "#", -1, 0},
+      {"abc", "rfindc", "z", -1, -1},
+      {"", "rfindc", ".", -1, -1},
+      {"a.b.c", "rfindc", ".", 2, 1},
+      {"\xff.\xff", "rfindc", "\xff", -1, 2},
   };
   for (const auto& c : cases) {
     OrvString s(c.hay.data(), long(c.hay.size()));
@@ -197,9 +226,12 @@ TEST(OrvString, Comparisons) {
     bool equal, caseEqual;
   };
   const std::vector<Case> cases = {
-      {"abc", "abc", true, true},     {"abc", "ABC", false, true},
-      {"abc", "abd", false, false},   {"abc", "ab", false, false},
-      {"", "", true, true},           {"a[", "A{", false, false},  // '[' and '{' differ by 32
+      {"abc", "abc", true, true},
+      {"abc", "ABC", false, true},
+      {"abc", "abd", false, false},
+      {"abc", "ab", false, false},
+      {"", "", true, true},
+      {"a[", "A{", false, false},      // '[' and '{' differ by 32
       {"\xe9", "\xc9", false, false},  // no folding above ASCII
       {"JavaScript", "javascript", false, true},
       {std::string("a\0b", 3), std::string("a\0c", 3), false, false},
@@ -241,14 +273,25 @@ TEST(OrvAtoInt, Reads) {
     long want;
   };
   const std::vector<Case> cases = {
-      {"123", -2, 123},         {"  \t-42x", -2, -42},    {"+7", -2, 7},
-      {"1,234,567", -2, 1234567}, {"1,,2", -2, 1},        {",5", -2, 0},
-      {"12,", -2, 12},          {"1 2", -2, 1},           {"", -2, 0},
-      {"abc", -2, 0},           {"-", -2, 0},             {"- 5", -2, 0},
-      {"\n5", -2, 0},           {"2147483647", -2, 2147483647},
-      {"2147483648", -2, 2147483647}, {"-2147483648", -2, -2147483648L},
+      {"123", -2, 123},
+      {"  \t-42x", -2, -42},
+      {"+7", -2, 7},
+      {"1,234,567", -2, 1234567},
+      {"1,,2", -2, 1},
+      {",5", -2, 0},
+      {"12,", -2, 12},
+      {"1 2", -2, 1},
+      {"", -2, 0},
+      {"abc", -2, 0},
+      {"-", -2, 0},
+      {"- 5", -2, 0},
+      {"\n5", -2, 0},
+      {"2147483647", -2, 2147483647},
+      {"2147483648", -2, 2147483647},
+      {"-2147483648", -2, -2147483648L},
       {"-99999999999999999999", -2, -2147483648L},
-      {"12345", 3, 123},        {"1,234", 2, 1},  // comma at the end of the counted text
+      {"12345", 3, 123},
+      {"1,234", 2, 1},  // comma at the end of the counted text
       {"42", -1, 42},
   };
   for (const auto& c : cases) {
@@ -267,7 +310,7 @@ TEST(OrvByteRoutines, MemcmpIsUnsignedAndMemcpyCopies) {
     int sign;
   };
   const std::vector<Case> cases = {
-      {"abc", "abd", 3, -1}, {"abd", "abc", 3, 1}, {"abc", "abd", 2, 0},
+      {"abc", "abd", 3, -1},  {"abd", "abc", 3, 1},    {"abc", "abd", 2, 0},
       {"\x80", "\x7f", 1, 1}, {"\x01", "\xff", 1, -1}, {"x", "y", 0, 0},
   };
   for (const auto& c : cases) {

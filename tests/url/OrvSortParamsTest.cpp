@@ -33,12 +33,12 @@ TEST(SortParams, SameOrderAsThePlainQuicksort) {
   struct Case {
     int count;
     int distinctNames;  // names drawn from this many
-    int shape;  // 0 random, 1 ascending, 2 descending, 3 organ pipe, 4 descending pairs
+    int shape;          // 0 random, 1 ascending, 2 descending, 3 organ pipe, 4 descending pairs
   };
   const std::vector<Case> cases = {
-      {2, 2, 0},    {5, 2, 0},    {8, 3, 0},    {16, 16, 0},  {23, 4, 0},   {24, 4, 0},
-      {40, 40, 0},  {60, 3, 0},   {100, 1, 0},  {100, 100, 2}, {100, 10, 2}, {100, 10, 1},
-      {300, 20, 3}, {500, 500, 0}, {500, 7, 0}, {33, 33, 3},  {3000, 0, 4}, {25, 0, 4},
+      {2, 2, 0},    {5, 2, 0},     {8, 3, 0},   {16, 16, 0},   {23, 4, 0},   {24, 4, 0},
+      {40, 40, 0},  {60, 3, 0},    {100, 1, 0}, {100, 100, 2}, {100, 10, 2}, {100, 10, 1},
+      {300, 20, 3}, {500, 500, 0}, {500, 7, 0}, {33, 33, 3},   {3000, 0, 4}, {25, 0, 4},
   };
   std::mt19937 random(12345);
   for (const auto& c : cases) {
@@ -51,7 +51,8 @@ TEST(SortParams, SameOrderAsThePlainQuicksort) {
       if (c.shape == 4)
         for (int i = 0; i < c.count; i++) keys[size_t(i)] = (c.count - 1 - i) / 2;
       if (c.shape == 3)
-        for (int i = 0; i < c.count; i++) keys[size_t(i)] = std::min(i, c.count - i) % c.distinctNames;
+        for (int i = 0; i < c.count; i++)
+          keys[size_t(i)] = std::min(i, c.count - i) % c.distinctNames;
       OrvWebPageUrl mine, reference;
       std::string text = "/p?";
       for (int i = 0; i < c.count; i++)
@@ -61,7 +62,8 @@ TEST(SortParams, SameOrderAsThePlainQuicksort) {
       mine.Parse(1);
       reference.Parse(0);
       ReferenceSort(reference.params, 0, reference.paramCount - 1);
-      ASSERT_EQ(Params(mine), Params(reference)) << c.count << "/" << c.distinctNames << "/" << c.shape;
+      ASSERT_EQ(Params(mine), Params(reference))
+          << c.count << "/" << c.distinctNames << "/" << c.shape;
     }
   }
 }
@@ -73,8 +75,9 @@ int32_t ByValueLength(const OrvUrlParam* a, const OrvUrlParam* b) {
 
 TEST(SortParams, FollowsTheGivenComparison) {
   OrvWebPageUrl u;
-  u.url = "/p?a=xxx&b=x&c=xx&d=&e=xxxx&f=x&g=xx&h=xxx&i=&j=x&k=xxxxx&l=xx&m=x&n=xxx"
-          "&o=x&p=xx&q=&r=xxx&s=x&t=xxxx&u=x&v=xx&w=xxx&x=x&y=xx&z=";
+  u.url =
+      "/p?a=xxx&b=x&c=xx&d=&e=xxxx&f=x&g=xx&h=xxx&i=&j=x&k=xxxxx&l=xx&m=x&n=xxx"
+      "&o=x&p=xx&q=&r=xxx&s=x&t=xxxx&u=x&v=xx&w=xxx&x=x&y=xx&z=";
   u.Parse(0);
   OrvWebPageUrl::SortParams(u.params, 0, u.paramCount - 1, ByValueLength);
   for (int32_t i = 1; i < u.paramCount; i++)
@@ -93,7 +96,8 @@ TEST(SortParams, HundredThousandParameters) {
   std::mt19937 random(7);
   std::vector<int> order(count);
   for (int i = 0; i < count; i++) order[size_t(i)] = i;
-  for (const char* shape : {"ascending", "descending", "random", "random-duplicates", "descending-duplicates", "descending-one-pair"}) {
+  for (const char* shape : {"ascending", "descending", "random", "random-duplicates",
+                            "descending-duplicates", "descending-one-pair"}) {
     std::vector<int> keys = order;
     std::string s = shape;
     if (s == "descending") std::reverse(keys.begin(), keys.end());
@@ -117,7 +121,8 @@ TEST(SortParams, HundredThousandParameters) {
     u.url.CopyBuf(text.data(), long(text.size()));
     auto start = std::chrono::steady_clock::now();
     u.Parse(1);
-    double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    double ms =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
     std::printf("[ timing ] Parse(1) of 1 MiB, %d parameters, %s names: %.1f ms\n", u.paramCount,
                 shape, ms);
     ASSERT_EQ(u.paramCount, count) << shape;

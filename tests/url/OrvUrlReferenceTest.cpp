@@ -74,7 +74,8 @@ std::string ReferenceSummary(const std::string& input) {
     ext.CopyBuf(stem.buf + dot + 1, -1);
     stem.Cutlen(dot);
   }
-  return scheme + " | " + host + " | " + dirs + " | " + Str(stem) + " | " + Str(ext) + " | " + params;
+  return scheme + " | " + host + " | " + dirs + " | " + Str(stem) + " | " + Str(ext) + " | " +
+         params;
 }
 
 std::vector<std::string> Inputs() {

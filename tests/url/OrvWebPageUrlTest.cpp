@@ -57,10 +57,9 @@ const std::vector<Row> kRows = {
     {"http://h.test/p?", 1, "http", "h.test", "", "p", "", "", "http://h.test/p"},
     {"http://h.test/p?%62=%62&a=1", 1, "http", "h.test", "", "p", "", "a=1&b=%62",
      "http://h.test/p?a=1&b=%62"},
-    {"http://h.test/p?x=1;y=2", 1, "http", "h.test", "", "p", "", "x=1;y",
-     "http://h.test/p?x=1;y"},
-    {"http://h.test/p?u=http://o.test/?q=1", 1, "http", "h.test", "", "p", "",
-     "u=http://o.test/?q", "http://h.test/p?u=http://o.test/?q"},
+    {"http://h.test/p?x=1;y=2", 1, "http", "h.test", "", "p", "", "x=1;y", "http://h.test/p?x=1;y"},
+    {"http://h.test/p?u=http://o.test/?q=1", 1, "http", "h.test", "", "p", "", "u=http://o.test/?q",
+     "http://h.test/p?u=http://o.test/?q"},
     {"http://h.test/p?q=1#x?y=2", 1, "http", "h.test", "", "p", "", "q=1", "http://h.test/p?q=1"},
     {"#top", 1, "", "#top", "", "", "", "", "//#top/"},
     {"http://h.test/#top", 1, "http", "h.test", "", "#top", "", "", "http://h.test/#top"},
@@ -96,7 +95,8 @@ TEST(OrvWebPageUrl, ParseTable) {
     // Parse trims the stored text and leaves it otherwise alone.
     const char* blanks = " \t\n\r\f\v";
     size_t first = r.text.find_first_not_of(blanks), last = r.text.find_last_not_of(blanks);
-    EXPECT_EQ(Str(fresh.url), first == std::string::npos ? "" : r.text.substr(first, last - first + 1));
+    EXPECT_EQ(Str(fresh.url),
+              first == std::string::npos ? "" : r.text.substr(first, last - first + 1));
     fresh.Rebuild();
     EXPECT_EQ(Str(fresh.url), r.rebuilt) << "[" << r.text << "]";
     EXPECT_EQ(fresh.url.buf[fresh.url.len], '\0');

@@ -1,9 +1,8 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "url/OrvWebPageUrl.h"
@@ -76,8 +75,8 @@ void PrintReadable(const std::vector<UrlParts>& all) {
     for (size_t k = 0; k < p.params.size(); k++)
       params += (k ? ", " : "") + p.params[k].first + "=" + p.params[k].second;
     const std::pair<const char*, const std::string*> lines[] = {
-        {"url", &p.url},   {"scheme", &p.scheme}, {"host", &p.host},
-        {"dirs", &dirs},   {"stem", &p.stem},     {"ext", &p.ext},
+        {"url", &p.url},     {"scheme", &p.scheme},   {"host", &p.host},
+        {"dirs", &dirs},     {"stem", &p.stem},       {"ext", &p.ext},
         {"params", &params}, {"rebuilt", &p.rebuilt}, {"names", &p.names}};
     for (const auto& [label, value] : lines) {
       std::cout << label;
@@ -98,7 +97,8 @@ Command AddUrlCommand(CLI::App& parent) {
   return {app, [options] {
             OrvWebPageUrl record;  // reused, as the library's callers do
             std::vector<UrlParts> all;
-            for (const auto& text : options->urls) all.push_back(Describe(record, text, !options->noSort));
+            for (const auto& text : options->urls)
+              all.push_back(Describe(record, text, !options->noSort));
             if (options->json)
               PrintJson(all);
             else
