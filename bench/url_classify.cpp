@@ -9,10 +9,9 @@
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 #include <uriparser/Uri.h>
-
-#include <time.h>
 
 #include <cstdio>
 #include <cstring>
@@ -88,7 +87,8 @@ double CpuSeconds() {
 long StatusKb(const char* field) {
   std::ifstream in("/proc/self/status");
   for (std::string line; std::getline(in, line);)
-    if (line.compare(0, std::strlen(field), field) == 0) return std::atol(line.c_str() + std::strlen(field) + 1);
+    if (line.compare(0, std::strlen(field), field) == 0)
+      return std::atol(line.c_str() + std::strlen(field) + 1);
   return -1;
 }
 
@@ -169,7 +169,8 @@ BENCHMARK(BM_AddAndClassify)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchm
 void BM_UriparserParseOnly(benchmark::State& state) {
   const size_t n = size_t(state.range(0));
   std::vector<std::string> links;
-  for (size_t i = 0; i < n; i++) links.push_back(Vary(DataLinks()[i % DataLinks().size()], i / DataLinks().size()));
+  for (size_t i = 0; i < n; i++)
+    links.push_back(Vary(DataLinks()[i % DataLinks().size()], i / DataLinks().size()));
   for (auto _ : state) {
     for (const auto& link : links) {
       UriUriA uri;
@@ -179,7 +180,8 @@ void BM_UriparserParseOnly(benchmark::State& state) {
       benchmark::DoNotOptimize(error);
     }
   }
-  state.counters["ns_per_link"] = benchmark::Counter(double(n), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert) ;
+  state.counters["ns_per_link"] = benchmark::Counter(
+      double(n), benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
   state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(n));
 }
 BENCHMARK(BM_UriparserParseOnly)->Arg(100000)->Unit(benchmark::kMillisecond);

@@ -16,8 +16,7 @@ void OrvUrlClassifier::AddLink(const OrvString& url, const OrvString& label, voi
   link->Parse(1);
 }
 
-void OrvUrlClassifier::Classify(const OrvString& key, const OrvLinkList& nodeLinks,
-                                uint8_t level) {
+void OrvUrlClassifier::Classify(const OrvString& key, const OrvLinkList& nodeLinks, uint8_t level) {
   if (level >= levelCount) {
     int found = 0;
     OrvLinkList** list = results->classes.Insert(KeyText(key), key.len, &found);

@@ -11,11 +11,10 @@ namespace {
 // The list of a class, or NULL when the handle is not below the class count.
 // The handle is compared as an unsigned number, so one made from a negative
 // index is out of range too.
-OrvLinkList* ClassList(OrvUrlClassStore* results, void* handle, const char** key = nullptr,
-                       int32_t* keyLen = nullptr) {
+OrvLinkList* ClassList(OrvUrlClassStore* results, void* handle) {
   uintptr_t index = reinterpret_cast<uintptr_t>(handle);
   if (index >= uintptr_t(results->classes.count)) return nullptr;
-  OrvLinkList** list = results->classes.GetAt(uint32_t(index), key, keyLen);
+  OrvLinkList** list = results->classes.GetAt(uint32_t(index));
   return list ? *list : nullptr;
 }
 
@@ -89,9 +88,7 @@ void OrvWebPageUrls::ClearLinks() {
 
 int OrvWebPageUrls::GetClassCount() { return int(results->classes.count); }
 
-void* OrvWebPageUrls::FetchClass(int index) {
-  return reinterpret_cast<void*>(intptr_t(index));
-}
+void* OrvWebPageUrls::FetchClass(int index) { return reinterpret_cast<void*>(intptr_t(index)); }
 
 int OrvWebPageUrls::GetClassKeyStr(void* handle, OrvString& key) {
   const char* text = nullptr;

@@ -36,7 +36,8 @@ ToolRun Links(std::vector<std::string> args) {
   return RunTool(args, 60);
 }
 
-using Classes = std::vector<std::pair<std::string, std::vector<std::pair<std::string, std::string>>>>;
+using Classes =
+    std::vector<std::pair<std::string, std::vector<std::pair<std::string, std::string>>>>;
 
 Classes FromJson(const std::string& out) {
   Classes classes;
@@ -79,7 +80,8 @@ TEST(LinksCommand, ReadableFormNamesEveryClassAndLink) {
   ToolRun run = Links({"--entry", "http://web.site.test/", file.path});
   ASSERT_EQ(run.status, 0) << run.err;
   for (const std::string& line :
-       {std::string("4 classes, 5 links\n"), "class 1 (2 links): " + std::string(R"(\$;/\s;/)") + kPages + ";?id\n",
+       {std::string("4 classes, 5 links\n"),
+        "class 1 (2 links): " + std::string(R"(\$;/\s;/)") + kPages + ";?id\n",
         std::string("  http://web.site.test/news/1.html?id=1\tfirst one\n"),
         std::string("  http://other.test/x.html\n")})
     EXPECT_NE(run.out.find(line), std::string::npos) << line << "\nin:\n" << run.out;
@@ -93,10 +95,12 @@ TEST(LinksCommand, InputsAndEntry) {
     Classes expected;
   };
   const Case cases[] = {
-      {{"--json"}, "http://a.site.test/x.htm\nhttp://b.site.test/y.html?q=1\n",
+      {{"--json"},
+       "http://a.site.test/x.htm\nhttp://b.site.test/y.html?q=1\n",
        {{"site.test;;/" + kPages + ";^?", {{"http://a.site.test/x.htm", ""}}},
         {"site.test;;/" + kPages + ";?q", {{"http://b.site.test/y.html?q=1", ""}}}}},
-      {{"--json", "--entry", "http://www.site.test/"}, "http://a.site.test/x.htm\n",
+      {{"--json", "--entry", "http://www.site.test/"},
+       "http://a.site.test/x.htm\n",
        {{R"(\$;;/)" + kPages + ";^?", {{"http://a.site.test/x.htm", ""}}}}},
       {{"--json"}, "", {}},
       {{"--json"}, "\n\r\n\n", {}},
@@ -116,8 +120,9 @@ TEST(LinksCommand, InputsAndEntry) {
 
 // Links are bytes: JSON output must not fail on what is not UTF-8.
 TEST(LinksCommand, InvalidUtf8StillGivesJson) {
-  LinkFile file(std::string("http://h.test/\xff\xfe/a.htm?\xc3=1\tl\xe4\x80\n"
-                            "http://h.test/\xc3\xa4/b.htm?\xc3=2\n"));
+  LinkFile file(
+      std::string("http://h.test/\xff\xfe/a.htm?\xc3=1\tl\xe4\x80\n"
+                  "http://h.test/\xc3\xa4/b.htm?\xc3=2\n"));
   ToolRun run = Links({"--json", file.path});
   ASSERT_EQ(run.status, 0) << run.err;
   Classes classes = FromJson(run.out);
@@ -132,11 +137,13 @@ TEST(LinksCommand, HtmlPageGivesItsLinks) {
   std::string deep;
   for (int i = 0; i < 100000; i++) deep += "<div>";
   deep += "<a href='/deep/x.htm'>deep</a>";
-  LinkFile page("<html><head><title>t</title></head><body>\n"
-                "<a href=\"http://www.site.test/news/1.html?id=1\">  First\n  story </a>\n"
-                "<a name=\"no-target\">not a link</a>\n"
-                "<p><a href='/news/2.html?id=2'><h2>Second</h2><span>summary  text</span></a>\n"
-                "<a href=\"http://other.test/\"></a>\n" + deep);
+  LinkFile page(
+      "<html><head><title>t</title></head><body>\n"
+      "<a href=\"http://www.site.test/news/1.html?id=1\">  First\n  story </a>\n"
+      "<a name=\"no-target\">not a link</a>\n"
+      "<p><a href='/news/2.html?id=2'><h2>Second</h2><span>summary  text</span></a>\n"
+      "<a href=\"http://other.test/\"></a>\n" +
+      deep);
   ToolRun run = Links({"--json", "--entry", "http://www.site.test/", "--html", page.path});
   ASSERT_EQ(run.status, 0) << run.err;
   Classes classes = FromJson(run.out);

@@ -106,8 +106,11 @@ TEST(ClassKey, WhatSeparatesTwoLinks) {
 // The stored bytes of EnableUrlFilterExtractor are never read: every level
 // always runs.
 TEST(ClassKey, EnabledExtractorBytesChangeNothing) {
-  const char* links[] = {"http://web.site.test/news/1.html?id=1", "http://other.test/a/b/c",
-                         "/img/x.png", "mailto:someone@site.test", "javascript:void(0)",
+  const char* links[] = {"http://web.site.test/news/1.html?id=1",
+                         "http://other.test/a/b/c",
+                         "/img/x.png",
+                         "mailto:someone@site.test",
+                         "javascript:void(0)",
                          "http://web.site.test/news/2.html?id=2&p=3"};
   OrvWebPageUrls plain;
   plain.SetEntryUrl(Orv(kOnSite));

@@ -42,7 +42,8 @@ TEST(ClassResults, FiveLinksGiveFourClassesInMapOrder) {
       {R"(\$;/\s;/)" + kPageFamily + ";?id",
        {{"http://web.site.test/news/1.html?id=1", "label 1", Tag(1)},
         {"http://web.site.test/news/2.html?id=2", "label 2", Tag(2)}}},
-      {R"(\$;/\s;/)" + kImageFamily + ";^?", {{"http://web.site.test/img/a.jpg", "label 4", Tag(4)}}},
+      {R"(\$;/\s;/)" + kImageFamily + ";^?",
+       {{"http://web.site.test/img/a.jpg", "label 4", Tag(4)}}},
       {R"(^\$;;/)" + kPageFamily + ";^?", {{"http://other.test/x.html", "label 5", Tag(5)}}},
   };
   EXPECT_EQ(urls.GetClassCount(), 4);
@@ -112,9 +113,12 @@ TEST(ClassResults, OutOfRangeLeavesOutputsUntouched) {
       EXPECT_EQ(userData, Tag(77));
     }
   };
-  const std::vector<Probe> everyHandle = {
-      {"handle 0", 0, 0}, {"handle 3", 3, 0}, {"handle -1", -1, 0}, {"handle 4", 4, 0},
-      {"handle INT_MIN", INT_MIN, 0}, {"handle INT_MAX", INT_MAX, 0}};
+  const std::vector<Probe> everyHandle = {{"handle 0", 0, 0},
+                                          {"handle 3", 3, 0},
+                                          {"handle -1", -1, 0},
+                                          {"handle 4", 4, 0},
+                                          {"handle INT_MIN", INT_MIN, 0},
+                                          {"handle INT_MAX", INT_MAX, 0}};
   probeAll(everyHandle);  // before ClassifyUrls: nothing is in range
 
   urls.ClassifyUrls();
@@ -153,7 +157,8 @@ TEST(ClassResults, RealLinksEachInOneClassInOrder) {
     SCOPED_TRACE(entry);
     OrvWebPageUrls urls;
     if (*entry) urls.SetEntryUrl(Orv(entry));
-    for (size_t i = 0; i < links.size(); i++) urls.AddLink(Orv(links[i]), Orv(""), Tag(intptr_t(i)));
+    for (size_t i = 0; i < links.size(); i++)
+      urls.AddLink(Orv(links[i]), Orv(""), Tag(intptr_t(i)));
     urls.ClassifyUrls();
     auto classes = ReadClasses(urls);
     ASSERT_EQ(int(classes.size()), urls.GetClassCount());
@@ -178,7 +183,8 @@ TEST(ClassResults, RealLinksEachInOneClassInOrder) {
     // The same calls on another object give the same classes in the same order.
     OrvWebPageUrls again;
     if (*entry) again.SetEntryUrl(Orv(entry));
-    for (size_t i = 0; i < links.size(); i++) again.AddLink(Orv(links[i]), Orv(""), Tag(intptr_t(i)));
+    for (size_t i = 0; i < links.size(); i++)
+      again.AddLink(Orv(links[i]), Orv(""), Tag(intptr_t(i)));
     again.ClassifyUrls();
     EXPECT_EQ(ReadClasses(again), classes);
   }
@@ -197,7 +203,8 @@ TEST(ClassResults, ClassifyAgainAfterReadSeesEveryClass) {
   OrvString key;
   ASSERT_EQ(urls.GetClassKeyStr(urls.FetchClass(0), key), 1);  // the read builds the order
 
-  for (size_t i = half; i < links.size(); i++) urls.AddLink(Orv(links[i]), Orv(""), Tag(intptr_t(i)));
+  for (size_t i = half; i < links.size(); i++)
+    urls.AddLink(Orv(links[i]), Orv(""), Tag(intptr_t(i)));
   urls.ClassifyUrls();
   ASSERT_GT(urls.GetClassCount(), firstCount);
   auto classes = ReadClasses(urls);
@@ -210,7 +217,8 @@ TEST(ClassResults, ClassifyAgainAfterReadSeesEveryClass) {
   // Same classes with the same links; only the order of classes may differ.
   ASSERT_EQ(classes.size(), expected.size());
   auto byKey = [](std::vector<SeenClass> v) {
-    std::sort(v.begin(), v.end(), [](const SeenClass& a, const SeenClass& b) { return a.key < b.key; });
+    std::sort(v.begin(), v.end(),
+              [](const SeenClass& a, const SeenClass& b) { return a.key < b.key; });
     return v;
   };
   EXPECT_EQ(byKey(classes), byKey(expected));

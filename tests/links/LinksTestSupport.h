@@ -33,8 +33,10 @@ inline std::vector<SeenClass> ReadClasses(OrvWebPageUrls& urls) {
     void* handle = urls.FetchClass(c);
     SeenClass& seen = classes.emplace_back();
     OrvString key;
-    if (urls.GetClassKeyStr(handle, key) != 1) seen.key = "<unreadable>";
-    else seen.key = Std(key);
+    if (urls.GetClassKeyStr(handle, key) != 1)
+      seen.key = "<unreadable>";
+    else
+      seen.key = Std(key);
     int links = urls.GetUrlCount(handle);
     for (int i = 0; i < links; i++) {
       OrvString url, label;

@@ -1,10 +1,9 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "JsonOutput.h"
@@ -123,9 +122,9 @@ Command AddLinksCommand(CLI::App& parent) {
       "links", "Sort links into classes of like URL shape and name each class by its key");
   app->add_option("--entry", options->entry,
                   "Entry URL: links on its domain are told apart from the others");
-  CLI::Option* input = app->add_option(
-      "input", options->input,
-      "File of links, one a line: URL or URL<TAB>label (- or nothing for stdin)");
+  CLI::Option* input =
+      app->add_option("input", options->input,
+                      "File of links, one a line: URL or URL<TAB>label (- or nothing for stdin)");
   app->add_option("--html", options->html,
                   "Take the links of the a elements of this page instead (file, - or http(s) URL)")
       ->excludes(input);
