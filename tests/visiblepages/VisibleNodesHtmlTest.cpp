@@ -103,8 +103,10 @@ TEST(VisibleNodesHtml, DocumentAndClassifierLiveApart) {
 // in a fresh object, and again in the same object after ClearNodes.
 TEST(VisibleNodesHtml, RealPagesClassifyTheSameEveryTime) {
   std::vector<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages"))
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages", error))
     if (entry.is_regular_file()) paths.push_back(entry.path());
+  ASSERT_FALSE(error) << ORV_DATA_DIR "/pages: " << error.message();
   std::sort(paths.begin(), paths.end());
   ASSERT_GE(paths.size(), 60u);
   size_t withBlocks = 0;
