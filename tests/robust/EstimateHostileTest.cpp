@@ -221,6 +221,9 @@ const HostileCase kCases[] = {
      {"--json", "--deadline", "15"}, 0, 15, 0, 1, 2, 0, false},
 };
 
+// Failures name the case instead of dumping its bytes.
+void PrintTo(const HostileCase& c, std::ostream* os) { *os << c.name; }
+
 class EstimateHostile : public testing::TestWithParam<HostileCase> {};
 
 TEST_P(EstimateHostile, EndsInTimeAndReportsWhatItHad) {
