@@ -13,17 +13,17 @@
 namespace {
 
 template <class T>
-void AppendOne(OrvString& out, const char* spec, T value) {
-  int n = std::snprintf(nullptr, 0, spec, value);
+void AppendOne(OrvString& out, const char* conversion, T value) {
+  int n = std::snprintf(nullptr, 0, conversion, value);
   if (n <= 0) return;
   out.Reserve(long(out.len) + n);
-  std::snprintf(out.buf + out.len, size_t(n) + 1, spec, value);
+  std::snprintf(out.buf + out.len, size_t(n) + 1, conversion, value);
   out.len += n;
 }
 
 enum class Size { None, Char, Short, Long, LongLong, Max, SizeT, PtrDiff, LongDouble };
 
-// Appends the decimal digits of v (v >= 0) to the spec under construction.
+// Appends the decimal digits of v (v >= 0) to the conversion under construction.
 void PutNumber(char*& p, char* end, int v) {
   char digits[12];
   int n = 0;
@@ -54,9 +54,9 @@ void OrvString::Format(const char* format, ...) {
       continue;
     }
     const char* start = f++;
-    char spec[64];
-    char* p = spec;
-    char* end = spec + sizeof spec - 8;
+    char conversion[64];
+    char* p = conversion;
+    char* end = conversion + sizeof conversion - 8;
     *p++ = '%';
     while (*f && (*f == '-' || *f == '+' || *f == ' ' || *f == '#' || *f == '0')) {
       if (p < end) *p++ = *f;
@@ -135,12 +135,12 @@ void OrvString::Format(const char* format, ...) {
       case 'd':
       case 'i':
         switch (size) {
-          case Size::Long: AppendOne(out, spec, va_arg(args, long)); break;
-          case Size::LongLong: AppendOne(out, spec, va_arg(args, long long)); break;
-          case Size::Max: AppendOne(out, spec, va_arg(args, intmax_t)); break;
-          case Size::SizeT: AppendOne(out, spec, va_arg(args, ptrdiff_t)); break;
-          case Size::PtrDiff: AppendOne(out, spec, va_arg(args, ptrdiff_t)); break;
-          default: AppendOne(out, spec, va_arg(args, int)); break;
+          case Size::Long: AppendOne(out, conversion, va_arg(args, long)); break;
+          case Size::LongLong: AppendOne(out, conversion, va_arg(args, long long)); break;
+          case Size::Max: AppendOne(out, conversion, va_arg(args, intmax_t)); break;
+          case Size::SizeT: AppendOne(out, conversion, va_arg(args, ptrdiff_t)); break;
+          case Size::PtrDiff: AppendOne(out, conversion, va_arg(args, ptrdiff_t)); break;
+          default: AppendOne(out, conversion, va_arg(args, int)); break;
         }
         break;
       case 'u':
@@ -148,30 +148,30 @@ void OrvString::Format(const char* format, ...) {
       case 'x':
       case 'X':
         switch (size) {
-          case Size::Long: AppendOne(out, spec, va_arg(args, unsigned long)); break;
-          case Size::LongLong: AppendOne(out, spec, va_arg(args, unsigned long long)); break;
-          case Size::Max: AppendOne(out, spec, va_arg(args, uintmax_t)); break;
-          case Size::SizeT: AppendOne(out, spec, va_arg(args, size_t)); break;
-          case Size::PtrDiff: AppendOne(out, spec, va_arg(args, size_t)); break;
-          default: AppendOne(out, spec, va_arg(args, unsigned)); break;
+          case Size::Long: AppendOne(out, conversion, va_arg(args, unsigned long)); break;
+          case Size::LongLong: AppendOne(out, conversion, va_arg(args, unsigned long long)); break;
+          case Size::Max: AppendOne(out, conversion, va_arg(args, uintmax_t)); break;
+          case Size::SizeT: AppendOne(out, conversion, va_arg(args, size_t)); break;
+          case Size::PtrDiff: AppendOne(out, conversion, va_arg(args, size_t)); break;
+          default: AppendOne(out, conversion, va_arg(args, unsigned)); break;
         }
         break;
       case 'c':
         if (size == Size::Long)
-          AppendOne(out, spec, va_arg(args, wint_t));
+          AppendOne(out, conversion, va_arg(args, wint_t));
         else
-          AppendOne(out, spec, va_arg(args, int));
+          AppendOne(out, conversion, va_arg(args, int));
         break;
       case 's':
         if (size == Size::Long) {
           const wchar_t* w = va_arg(args, const wchar_t*);
-          AppendOne(out, spec, w ? w : L"");
+          AppendOne(out, conversion, w ? w : L"");
         } else {
           const char* s = va_arg(args, const char*);
-          AppendOne(out, spec, s ? s : "");
+          AppendOne(out, conversion, s ? s : "");
         }
         break;
-      case 'p': AppendOne(out, spec, va_arg(args, void*)); break;
+      case 'p': AppendOne(out, conversion, va_arg(args, void*)); break;
       case 'f':
       case 'F':
       case 'e':
@@ -181,9 +181,9 @@ void OrvString::Format(const char* format, ...) {
       case 'a':
       case 'A':
         if (size == Size::LongDouble)
-          AppendOne(out, spec, va_arg(args, long double));
+          AppendOne(out, conversion, va_arg(args, long double));
         else
-          AppendOne(out, spec, va_arg(args, double));
+          AppendOne(out, conversion, va_arg(args, double));
         break;
       case 'n':
         // Writing through an argument is no business of a string formatter.
