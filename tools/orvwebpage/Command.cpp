@@ -15,3 +15,15 @@ std::string ReadInput(const std::string& path) {
   if (!in) throw CommandError("cannot read " + path);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
+
+void ForEachInputLine(const std::string& text, const std::function<void(std::string_view)>& visit) {
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t end = text.find('\n', start);
+    if (end == std::string::npos) end = text.size();
+    std::string_view line(text.data() + start, end - start);
+    start = end + 1;
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    if (!line.empty()) visit(line);
+  }
+}

@@ -4,6 +4,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 // A subcommand: its CLI11 app (options bound to locals of the factory) and
 // the action to run once it was chosen. The action returns the exit status.
@@ -19,6 +20,10 @@ struct CommandError : std::runtime_error {
 
 // Contents of a file, or of stdin for "-".
 std::string ReadInput(const std::string& path);
+
+// Calls visit with every line of text that is not empty, without its line
+// break and without a CR before it.
+void ForEachInputLine(const std::string& text, const std::function<void(std::string_view)>& visit);
 
 // Command factories, one per subcommand, each in a file of its own.
 Command AddUrlCommand(CLI::App& parent);

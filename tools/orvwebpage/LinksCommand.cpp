@@ -25,20 +25,13 @@ struct LinksOptions {
 // CR before the line break is taken as part of it.
 std::vector<PageLink> ParseLinkLines(const std::string& text) {
   std::vector<PageLink> links;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    std::string_view line(text.data() + start, end - start);
-    start = end + 1;
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (line.empty()) continue;
+  ForEachInputLine(text, [&links](std::string_view line) {
     size_t tab = line.find('\t');
     if (tab == std::string_view::npos)
       links.push_back({std::string(line), std::string()});
     else
       links.push_back({std::string(line.substr(0, tab)), std::string(line.substr(tab + 1))});
-  }
+  });
   return links;
 }
 

@@ -28,15 +28,7 @@ struct SearchResult {
 // One URL a line; blank lines carry none, a CR before the line break is dropped.
 std::vector<std::string> ParseUrlLines(const std::string& text) {
   std::vector<std::string> urls;
-  size_t start = 0;
-  while (start < text.size()) {
-    size_t end = text.find('\n', start);
-    if (end == std::string::npos) end = text.size();
-    std::string_view line(text.data() + start, end - start);
-    start = end + 1;
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    if (!line.empty()) urls.emplace_back(line);
-  }
+  ForEachInputLine(text, [&urls](std::string_view line) { urls.emplace_back(line); });
   return urls;
 }
 
