@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string>
 
-#include "http/LocalServers.h"
+#include "support/LocalServers.h"
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
 

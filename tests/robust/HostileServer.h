@@ -20,6 +20,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/LocalServers.h"
+
 // Sleeps in short steps so a stop is never kept waiting long.
 inline bool SleepUnlessStopped(const std::atomic<bool>& stopping, int milliseconds) {
   for (int waited = 0; waited < milliseconds && !stopping; waited += 20)
@@ -27,43 +29,7 @@ inline bool SleepUnlessStopped(const std::atomic<bool>& stopping, int millisecon
   return !stopping;
 }
 
-// cpp-httplib on a free loopback port, counting the requests it answers.
-class HttpTestServer {
- public:
-  httplib::Server server;
-  std::atomic<bool> stopping{false};
-  std::atomic<int> hits{0};
-
-  HttpTestServer() {
-    server.set_keep_alive_max_count(100);
-    server.set_logger([this](const httplib::Request&, const httplib::Response&) { ++hits; });
-  }
-  ~HttpTestServer() { Stop(); }
-
-  // Call after the handlers are set.
-  bool Start() {
-    port = server.bind_to_any_port("127.0.0.1");
-    if (port <= 0) return false;
-    thread = std::thread([this] { server.listen_after_bind(); });
-    for (int i = 0; i < 500 && !server.is_running(); ++i)
-      std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    return server.is_running();
-  }
-  void Stop() {
-    stopping = true;
-    if (thread.joinable()) {
-      server.stop();
-      thread.join();
-    }
-  }
-  std::string Url(const std::string& path) const {
-    return "http://127.0.0.1:" + std::to_string(port) + path;
-  }
-
- private:
-  int port = 0;
-  std::thread thread;
-};
+using HttpTestServer = LocalHttpServer;
 
 // A bare TCP server: each connection gets the request read (up to its blank
 // line) and is then handed to `answer`, which writes whatever it likes.

@@ -1,7 +1,7 @@
 #pragma once
 
-// Servers on 127.0.0.1 for the HTTP client tests: cpp-httplib for well-formed
-// answers, a bare socket for anything else. Both take a free port and stop
+// Servers on 127.0.0.1 for tests: cpp-httplib for well-formed answers, a bare
+// socket for anything else. Both take a free port and stop
 // when destroyed; every wait inside them watches the stop flag.
 
 #include <arpa/inet.h>
@@ -28,10 +28,12 @@ class LocalHttpServer {
  public:
   httplib::Server server;
   std::atomic<bool> stopping{false};
+  std::atomic<int> hits{0};  // requests answered
 
   LocalHttpServer() {
     server.set_keep_alive_timeout(1);
     server.set_tcp_nodelay(true);
+    server.set_logger([this](const httplib::Request&, const httplib::Response&) { ++hits; });
   }
   ~LocalHttpServer() { Stop(); }
 
