@@ -19,18 +19,6 @@ ToolRun Orv(std::vector<std::string> args) {
   return RunTool(args, 60);
 }
 
-struct TempFile {
-  std::string path;
-  explicit TempFile(const std::string& text) {
-    char name[] = "/tmp/orv-search-XXXXXX";
-    int fd = mkstemp(name);
-    if (fd >= 0) close(fd);
-    path = name;
-    std::ofstream(path, std::ios::binary) << text;
-  }
-  ~TempFile() { std::remove(path.c_str()); }
-};
-
 TEST(KeysCommand, JsonHoldsEveryLevelAndTheShape) {
   ToolRun run = Orv({"keys", "--json", "--entry", "http://www.site.test/",
                      "http://web.site.test/news/201/a.html?b=1&a=2", "  http://other.test/x.GIF  ",

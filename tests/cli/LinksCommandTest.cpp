@@ -15,22 +15,6 @@ namespace {
 const std::string kPages = R"((.htm\E,.html\E,.phtml\E,.shtml\E,.jsp\E,.php\E,.asp\E,.ksp\E))";
 const std::string kImages = R"((.jpg\E,.png\E,.ico\E))";
 
-// A file of links that lives as long as the test.
-struct LinkFile {
-  std::string path;
-  explicit LinkFile(const std::string& text) {
-    char name[] = "/tmp/orv-links-XXXXXX";
-    int fd = mkstemp(name);
-    path = name;
-    if (fd >= 0) {
-      ssize_t written = write(fd, text.data(), text.size());
-      (void)written;
-      close(fd);
-    }
-  }
-  ~LinkFile() { std::remove(path.c_str()); }
-};
-
 ToolRun Links(std::vector<std::string> args) {
   args.insert(args.begin(), {ToolPath("orvwebpage"), "links"});
   return RunTool(args, 60);
@@ -60,7 +44,7 @@ const char* const kFiveLinks =
     "http://other.test/x.html";
 
 TEST(LinksCommand, JsonListsClassesInOrderWithLabels) {
-  LinkFile file(kFiveLinks);
+  TempFile file(kFiveLinks);
   ToolRun run = Links({"--json", "--entry", "http://web.site.test/", file.path});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err, "");
@@ -76,7 +60,7 @@ TEST(LinksCommand, JsonListsClassesInOrderWithLabels) {
 }
 
 TEST(LinksCommand, ReadableFormNamesEveryClassAndLink) {
-  LinkFile file(kFiveLinks);
+  TempFile file(kFiveLinks);
   ToolRun run = Links({"--entry", "http://web.site.test/", file.path});
   ASSERT_EQ(run.status, 0) << run.err;
   for (const std::string& line :
@@ -106,7 +90,7 @@ TEST(LinksCommand, InputsAndEntry) {
       {{"--json"}, "\n\r\n\n", {}},
   };
   for (const Case& c : cases) {
-    LinkFile file(c.input);
+    TempFile file(c.input);
     auto args = c.args;
     args.push_back(file.path);
     ToolRun run = Links(args);
@@ -120,7 +104,7 @@ TEST(LinksCommand, InputsAndEntry) {
 
 // Links are bytes: JSON output must not fail on what is not UTF-8.
 TEST(LinksCommand, InvalidUtf8StillGivesJson) {
-  LinkFile file(
+  TempFile file(
       std::string("http://h.test/\xff\xfe/a.htm?\xc3=1\tl\xe4\x80\n"
                   "http://h.test/\xc3\xa4/b.htm?\xc3=2\n"));
   ToolRun run = Links({"--json", file.path});
@@ -137,7 +121,7 @@ TEST(LinksCommand, HtmlPageGivesItsLinks) {
   std::string deep;
   for (int i = 0; i < 100000; i++) deep += "<div>";
   deep += "<a href='/deep/x.htm'>deep</a>";
-  LinkFile page(
+  TempFile page(
       "<html><head><title>t</title></head><body>\n"
       "<a href=\"http://www.site.test/news/1.html?id=1\">  First\n  story </a>\n"
       "<a name=\"no-target\">not a link</a>\n"

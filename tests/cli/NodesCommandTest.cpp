@@ -27,21 +27,6 @@ const char* kClasses = R"({"classes":[
   {"items":["First","new","Café   au\n lait"]},
   {"items":["First","new","Café   au\n lait","Offers\n"]}]})";
 
-struct PageFile {
-  std::string path;
-  explicit PageFile(const std::string& text) {
-    char name[] = "/tmp/orv-nodes-XXXXXX";
-    int fd = mkstemp(name);
-    path = name;
-    if (fd >= 0) {
-      ssize_t written = write(fd, text.data(), text.size());
-      (void)written;
-      close(fd);
-    }
-  }
-  ~PageFile() { std::remove(path.c_str()); }
-};
-
 ToolRun Nodes(std::vector<std::string> args) {
   args.insert(args.begin(), {ToolPath("orvwebpage"), "nodes"});
   return RunTool(args, 60);
@@ -96,14 +81,14 @@ std::string Response(const std::string& status, const std::string& body) {
 }  // namespace
 
 TEST(NodesCommand, JsonClassesPageLast) {
-  PageFile page(kPage);
+  TempFile page(kPage);
   ToolRun run = Nodes({"--json", page.path});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(nlohmann::json::parse(run.out), nlohmann::json::parse(kClasses));
 }
 
 TEST(NodesCommand, ReadableForm) {
-  PageFile page(kPage);
+  TempFile page(kPage);
   ToolRun run = Nodes({page.path});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.out,
@@ -114,7 +99,7 @@ TEST(NodesCommand, ReadableForm) {
 
 // The page's declared charset decides how its bytes read; the output is UTF-8.
 TEST(NodesCommand, DecodesByTheDeclaredCharset) {
-  PageFile page("<meta charset=windows-1251><body>\xCF\xF0\xE8</body>");
+  TempFile page("<meta charset=windows-1251><body>\xCF\xF0\xE8</body>");
   ToolRun run = Nodes({"--json", page.path});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(nlohmann::json::parse(run.out),

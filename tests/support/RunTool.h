@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -145,3 +146,21 @@ inline ToolRun RunTool(const std::vector<std::string>& args, double limitSeconds
   if (!run.killed && WIFEXITED(status)) run.status = WEXITSTATUS(status);
   return run;
 }
+
+// A file holding text, removed when the test is done with it.
+struct TempFile {
+  std::string path;
+  explicit TempFile(const std::string& text) {
+    char name[] = "/tmp/orv-test-XXXXXX";
+    int fd = mkstemp(name);
+    path = name;
+    if (fd < 0) return;
+    for (size_t done = 0; done < text.size();) {
+      ssize_t n = write(fd, text.data() + done, text.size() - done);
+      if (n <= 0) break;
+      done += size_t(n);
+    }
+    close(fd);
+  }
+  ~TempFile() { std::remove(path.c_str()); }
+};
