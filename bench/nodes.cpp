@@ -15,8 +15,8 @@
 #include <libxml/tree.h>
 
 #include <algorithm>
-#include <ctime>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -96,7 +96,8 @@ void OrvHtmlOpenBytes(benchmark::State& state) { OpenPages(state, ORV_CHARSET_BY
 void OrvHtmlOpenUtf8(benchmark::State& state) { OpenPages(state, ORV_CHARSET_UTF8, "orv-utf8"); }
 
 void LibxmlReadMemory(benchmark::State& state) {
-  const int options = HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET;
+  const int options =
+      HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET;
   MeasureMBps(state, "libxml2", [&] {
     for (const auto& page : Pages()) {
       htmlDocPtr doc = htmlReadMemory(page.data(), int(page.size()), nullptr, nullptr, options);
@@ -177,7 +178,8 @@ void ClassifyBlocksRotating(benchmark::State& state) {
   std::string page = BlocksPage(blocks);
   std::vector<std::string> texts(size_t((100000 + blocks - 1) / blocks), page);
   std::vector<OrvHtml> docs(texts.size());
-  for (size_t i = 0; i < docs.size(); i++) docs[i].Open(texts[i].data(), long(page.size()), ORV_CHARSET_BYTES);
+  for (size_t i = 0; i < docs.size(); i++)
+    docs[i].Open(texts[i].data(), long(page.size()), ORV_CHARSET_BYTES);
   OrvWebPageVisibleNodes nodes;
   size_t next = 0;
   double start = ThreadSeconds();
@@ -199,7 +201,12 @@ BENCHMARK(LibxmlReadMemory)->Unit(benchmark::kMillisecond);
 BENCHMARK(ClassifyPages)->Unit(benchmark::kMillisecond);
 // Several rounds even for the largest page, so that the first touch of fresh
 // memory is not counted against it alone.
-BENCHMARK(ClassifyBlocks)->Arg(1000)->Arg(10000)->Arg(100000)->MinTime(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(ClassifyBlocks)
+    ->Arg(1000)
+    ->Arg(10000)
+    ->Arg(100000)
+    ->MinTime(3)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(ClassifyBlocksRotating)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv) {
@@ -210,28 +217,32 @@ int main(int argc, char** argv) {
   benchmark::Shutdown();
   auto& f = Figures();
   if (f.count("orv") && f.count("libxml2")) {
-    std::printf("Open over %zu pages (%.1f MB): ours %.1f MB/s (bytes kept), %.1f MB/s (UTF-8); "
-                "libxml2 DOM %.1f MB/s; ours/libxml2 %.2f\n",
-                Pages().size(), PageBytes() / 1e6, f["orv"], f.count("orv-utf8") ? f["orv-utf8"] : 0.0,
-                f["libxml2"], f["orv"] / f["libxml2"]);
+    std::printf(
+        "Open over %zu pages (%.1f MB): ours %.1f MB/s (bytes kept), %.1f MB/s (UTF-8); "
+        "libxml2 DOM %.1f MB/s; ours/libxml2 %.2f\n",
+        Pages().size(), PageBytes() / 1e6, f["orv"], f.count("orv-utf8") ? f["orv-utf8"] : 0.0,
+        f["libxml2"], f["orv"] / f["libxml2"]);
   }
   auto& s = Seconds();
   if (f.count("orv") && s.count("classify")) {
     double open = PageBytes() / (f["orv"] * 1e6);
-    std::printf("ClassifyNodes over the same pages: %.1f ms against %.1f ms for Open, %.1f%% of Open\n",
-                s["classify"] * 1e3, open * 1e3, 100.0 * s["classify"] / open);
+    std::printf(
+        "ClassifyNodes over the same pages: %.1f ms against %.1f ms for Open, %.1f%% of Open\n",
+        s["classify"] * 1e3, open * 1e3, 100.0 * s["classify"] / open);
   }
   if (s.count("blocks1000") && s.count("blocks100000")) {
-    std::printf("ClassifyNodes per block: %.2f us at 1,000, %.2f us at 10,000, %.2f us at 100,000; "
-                "100,000/1,000 %.2f\n",
-                s["blocks1000"] * 1e6, s.count("blocks10000") ? s["blocks10000"] * 1e6 : 0.0,
-                s["blocks100000"] * 1e6, s["blocks100000"] / s["blocks1000"]);
+    std::printf(
+        "ClassifyNodes per block: %.2f us at 1,000, %.2f us at 10,000, %.2f us at 100,000; "
+        "100,000/1,000 %.2f\n",
+        s["blocks1000"] * 1e6, s.count("blocks10000") ? s["blocks10000"] * 1e6 : 0.0,
+        s["blocks100000"] * 1e6, s["blocks100000"] / s["blocks1000"]);
   }
   if (s.count("rotating1000") && s.count("blocks100000")) {
-    std::printf("The same from memory (copies rotated): %.2f us at 1,000, %.2f us at 10,000; "
-                "100,000/1,000 %.2f\n",
-                s["rotating1000"] * 1e6, s.count("rotating10000") ? s["rotating10000"] * 1e6 : 0.0,
-                s["blocks100000"] / s["rotating1000"]);
+    std::printf(
+        "The same from memory (copies rotated): %.2f us at 1,000, %.2f us at 10,000; "
+        "100,000/1,000 %.2f\n",
+        s["rotating1000"] * 1e6, s.count("rotating10000") ? s["rotating10000"] * 1e6 : 0.0,
+        s["blocks100000"] / s["rotating1000"]);
   }
   return 0;
 }

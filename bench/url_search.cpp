@@ -48,9 +48,9 @@ OrvUrlSearcher& FilledSearcher() {
 
 void SetCounters(benchmark::State& state, size_t urlsPerIteration) {
   state.SetItemsProcessed(int64_t(state.iterations() * urlsPerIteration));
-  state.counters["ns_per_url"] = benchmark::Counter(
-      double(state.iterations() * urlsPerIteration),
-      benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  state.counters["ns_per_url"] =
+      benchmark::Counter(double(state.iterations() * urlsPerIteration),
+                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
 // Examples: a common shape of the data (an article link on the entry site),

@@ -10,12 +10,12 @@
 // other values say why not, for callers that care.
 enum ORV_HTTP_STATUS : int32_t {
   ORV_HTTP_OK = 0,
-  ORV_HTTP_BAD_REQUEST = 1,    // no URL, an embedded NUL, or an unknown method
-  ORV_HTTP_NETWORK = 2,        // connect, TLS, protocol or redirect failure
-  ORV_HTTP_NOT_2XX = 3,        // the final response was not 2xx
-  ORV_HTTP_TIMEOUT = 4,        // the request, its connect or a stalled transfer took too long
-  ORV_HTTP_TOO_LARGE = 5,      // the body passed the size cap
-  ORV_HTTP_BUDGET_SPENT = 6,   // request budget or run deadline spent; nothing was sent
+  ORV_HTTP_BAD_REQUEST = 1,   // no URL, an embedded NUL, or an unknown method
+  ORV_HTTP_NETWORK = 2,       // connect, TLS, protocol or redirect failure
+  ORV_HTTP_NOT_2XX = 3,       // the final response was not 2xx
+  ORV_HTTP_TIMEOUT = 4,       // the request, its connect or a stalled transfer took too long
+  ORV_HTTP_TOO_LARGE = 5,     // the body passed the size cap
+  ORV_HTTP_BUDGET_SPENT = 6,  // request budget or run deadline spent; nothing was sent
 };
 
 enum ORV_HTTP_METHOD : int32_t {

@@ -9,16 +9,16 @@
 // command-line tool sets them once, before it starts an analyser that makes
 // its own clients, and every request obeys them from then on.
 struct OrvHttpSettings {
-  int64_t maxRequests = 0;         // requests allowed since the last ResetCounters; 0: no budget
-  int64_t deadlineMs = 0;          // whole run, counted from the Set call; 0: none
+  int64_t maxRequests = 0;  // requests allowed since the last ResetCounters; 0: no budget
+  int64_t deadlineMs = 0;   // whole run, counted from the Set call; 0: none
   int32_t connectTimeoutMs = 10000;
   int32_t requestTimeoutMs = 30000;  // per request, redirects included
-  int32_t delayMs = 0;             // least time between the starts of two requests
-  int32_t stallSeconds = 10;       // a transfer slower than stallBytesPerSecond this long ends
+  int32_t delayMs = 0;               // least time between the starts of two requests
+  int32_t stallSeconds = 10;         // a transfer slower than stallBytesPerSecond this long ends
   int32_t stallBytesPerSecond = 16;
   int32_t maxRedirects = 10;
   int64_t maxBodyBytes = int64_t(32) << 20;
-  char userAgent[256] = {0};       // empty: the library's name and version
+  char userAgent[256] = {0};  // empty: the library's name and version
 };
 
 // What a progress callback is told.

@@ -16,18 +16,18 @@ struct var_attr;
 
 // One element or one run of text.
 struct var_item {
-  uint16_t tag_id;             // kind of element; 0 for text runs
+  uint16_t tag_id;  // kind of element; 0 for text runs
   unsigned char reserved0[26];
-  var_attr* attr_list;         // first attribute, null if none
+  var_attr* attr_list;  // first attribute, null if none
   unsigned char reserved1[4];
-  var_item* next;              // next sibling
-  var_item* child;             // first child
-  var_item* parent;            // enclosing item, null at the top level
+  var_item* next;    // next sibling
+  var_item* child;   // first child
+  var_item* parent;  // enclosing item, null at the top level
   int32_t name_len;
-  char* name;                  // may be null
+  char* name;  // may be null
   unsigned char reserved2[4];
   int32_t text_len;
-  char* text;                  // the characters of a text run
+  char* text;  // the characters of a text run
 };
 
 // One attribute of an item, chained from var_item::attr_list.
@@ -37,10 +37,10 @@ struct var_attr {
   var_attr* next;
   unsigned char reserved1[8];
   int32_t name_len;
-  char* name;                  // may be null
+  char* name;  // may be null
   unsigned char reserved2[4];
   int32_t value_len;
-  char* value;                 // may be null
+  char* value;  // may be null
 };
 
 // An item with its depth; top-level items have depth 1.
@@ -50,8 +50,8 @@ struct var_item_pos {
 };
 
 // The only numbers the analysers test.
-constexpr uint16_t ORV_TAG_LINK = 60;        // link element; text below it is link text
-constexpr uint16_t ORV_TAG_NO_TEXT_A = 87;   // text directly below is never visible
+constexpr uint16_t ORV_TAG_LINK = 60;       // link element; text below it is link text
+constexpr uint16_t ORV_TAG_NO_TEXT_A = 87;  // text directly below is never visible
 constexpr uint16_t ORV_TAG_NO_TEXT_B = 92;
 constexpr uint16_t ORV_TAG_NO_TEXT_C = 93;
 constexpr uint16_t ORV_ATTR_LINK_TARGET = 14;  // link target of ORV_TAG_LINK

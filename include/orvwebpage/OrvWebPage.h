@@ -2,12 +2,12 @@
 
 // Everything a user of the library needs.
 #include "orvwebpage/OrvExport.h"
-#include "orvwebpage/OrvString.h"
-#include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvHtml.h"
-#include "orvwebpage/OrvWebPageUrlsSearch.h"
-#include "orvwebpage/OrvWebPageUrls.h"
-#include "orvwebpage/OrvWebPageVisibleNodes.h"
-#include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttp.h"
+#include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
+#include "orvwebpage/OrvWebPageUrls.h"
+#include "orvwebpage/OrvWebPageUrlsSearch.h"
+#include "orvwebpage/OrvWebPageVisibleNodes.h"

@@ -59,5 +59,7 @@ struct OrvAllocator {
   T* allocate(std::size_t n) { return static_cast<T*>(OrvAllocBytes(n * sizeof(T))); }
   void deallocate(T* p, std::size_t) noexcept { OrvFreeBytes(p); }
   template <class U>
-  bool operator==(const OrvAllocator<U>&) const noexcept { return true; }
+  bool operator==(const OrvAllocator<U>&) const noexcept {
+    return true;
+  }
 };

@@ -45,8 +45,14 @@ class OrvStrMap {
   int32_t bucketSize;
 
   OrvStrMap()
-      : count(0), buckets(nullptr), bucketCount(0), flat(nullptr), keys(nullptr), keysSize(0),
-        keysUsed(0), bucketSize(16) {}
+      : count(0),
+        buckets(nullptr),
+        bucketCount(0),
+        flat(nullptr),
+        keys(nullptr),
+        keysSize(0),
+        keysUsed(0),
+        bucketSize(16) {}
   OrvStrMap(const OrvStrMap&) = delete;
   OrvStrMap& operator=(const OrvStrMap&) = delete;
 
@@ -174,9 +180,7 @@ class OrvStrMap {
   // would make the quarter growth stall, so it is raised to 4.
   uint32_t FreshCapacity() const { return bucketSize < 4 ? 4u : uint32_t(bucketSize); }
 
-  uint64_t DoublingLimit() const {
-    return uint64_t(FreshCapacity() / 4) * bucketCount * 3u;
-  }
+  uint64_t DoublingLimit() const { return uint64_t(FreshCapacity() / 4) * bucketCount * 3u; }
 
   static Entry* NewEntries(uint32_t n) {
     return static_cast<Entry*>(OrvAllocBytes(sizeof(Entry) * (n ? n : 1)));

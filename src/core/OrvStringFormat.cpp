@@ -117,30 +117,61 @@ void OrvString::Format(const char* format, ...) {
     f++;
     const char* lengthMod = "";
     switch (size) {
-      case Size::Char: lengthMod = "hh"; break;
-      case Size::Short: lengthMod = "h"; break;
-      case Size::Long: lengthMod = "l"; break;
-      case Size::LongLong: lengthMod = "ll"; break;
-      case Size::Max: lengthMod = "j"; break;
-      case Size::SizeT: lengthMod = "z"; break;
-      case Size::PtrDiff: lengthMod = "t"; break;
-      case Size::LongDouble: lengthMod = "L"; break;
-      case Size::None: break;
+      case Size::Char:
+        lengthMod = "hh";
+        break;
+      case Size::Short:
+        lengthMod = "h";
+        break;
+      case Size::Long:
+        lengthMod = "l";
+        break;
+      case Size::LongLong:
+        lengthMod = "ll";
+        break;
+      case Size::Max:
+        lengthMod = "j";
+        break;
+      case Size::SizeT:
+        lengthMod = "z";
+        break;
+      case Size::PtrDiff:
+        lengthMod = "t";
+        break;
+      case Size::LongDouble:
+        lengthMod = "L";
+        break;
+      case Size::None:
+        break;
     }
     for (const char* m = lengthMod; *m;) *p++ = *m++;
     *p++ = conv;
     *p = 0;
     switch (conv) {
-      case '%': out += '%'; break;
+      case '%':
+        out += '%';
+        break;
       case 'd':
       case 'i':
         switch (size) {
-          case Size::Long: AppendOne(out, conversion, va_arg(args, long)); break;
-          case Size::LongLong: AppendOne(out, conversion, va_arg(args, long long)); break;
-          case Size::Max: AppendOne(out, conversion, va_arg(args, intmax_t)); break;
-          case Size::SizeT: AppendOne(out, conversion, va_arg(args, ptrdiff_t)); break;
-          case Size::PtrDiff: AppendOne(out, conversion, va_arg(args, ptrdiff_t)); break;
-          default: AppendOne(out, conversion, va_arg(args, int)); break;
+          case Size::Long:
+            AppendOne(out, conversion, va_arg(args, long));
+            break;
+          case Size::LongLong:
+            AppendOne(out, conversion, va_arg(args, long long));
+            break;
+          case Size::Max:
+            AppendOne(out, conversion, va_arg(args, intmax_t));
+            break;
+          case Size::SizeT:
+            AppendOne(out, conversion, va_arg(args, ptrdiff_t));
+            break;
+          case Size::PtrDiff:
+            AppendOne(out, conversion, va_arg(args, ptrdiff_t));
+            break;
+          default:
+            AppendOne(out, conversion, va_arg(args, int));
+            break;
         }
         break;
       case 'u':
@@ -148,12 +179,24 @@ void OrvString::Format(const char* format, ...) {
       case 'x':
       case 'X':
         switch (size) {
-          case Size::Long: AppendOne(out, conversion, va_arg(args, unsigned long)); break;
-          case Size::LongLong: AppendOne(out, conversion, va_arg(args, unsigned long long)); break;
-          case Size::Max: AppendOne(out, conversion, va_arg(args, uintmax_t)); break;
-          case Size::SizeT: AppendOne(out, conversion, va_arg(args, size_t)); break;
-          case Size::PtrDiff: AppendOne(out, conversion, va_arg(args, size_t)); break;
-          default: AppendOne(out, conversion, va_arg(args, unsigned)); break;
+          case Size::Long:
+            AppendOne(out, conversion, va_arg(args, unsigned long));
+            break;
+          case Size::LongLong:
+            AppendOne(out, conversion, va_arg(args, unsigned long long));
+            break;
+          case Size::Max:
+            AppendOne(out, conversion, va_arg(args, uintmax_t));
+            break;
+          case Size::SizeT:
+            AppendOne(out, conversion, va_arg(args, size_t));
+            break;
+          case Size::PtrDiff:
+            AppendOne(out, conversion, va_arg(args, size_t));
+            break;
+          default:
+            AppendOne(out, conversion, va_arg(args, unsigned));
+            break;
         }
         break;
       case 'c':
@@ -171,7 +214,9 @@ void OrvString::Format(const char* format, ...) {
           AppendOne(out, conversion, s ? s : "");
         }
         break;
-      case 'p': AppendOne(out, conversion, va_arg(args, void*)); break;
+      case 'p':
+        AppendOne(out, conversion, va_arg(args, void*));
+        break;
       case 'f':
       case 'F':
       case 'e':

@@ -52,7 +52,8 @@ int32_t OrvWebPageCountEstimateImpl::FindLastPage(const OrvPageTemplate& pageTem
     if (read) {
       const OrvPtrList* run = *probe.runs.map.GetAt(0);
       result = probe.runs.At(run, run->count - 1)->number;
-      if (result >= page) page = result < upper ? Plus(page, (upper - result) / 2) : Plus(result, result);
+      if (result >= page)
+        page = result < upper ? Plus(page, (upper - result) / 2) : Plus(result, result);
     } else {
       upper = page;
       page -= page / 2;

@@ -67,7 +67,7 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
 void MakePageUrl(OrvLinkRecord& out, long page, const OrvPageTemplate& pageTemplate) {
   CopyLinkRecord(out, pageTemplate);
   if (pageTemplate.paramIndex < 0 || pageTemplate.paramIndex >= out.paramCount) return;
-  uint32_t value = uint32_t(pageTemplate.step) * (uint32_t(int32_t(page)) - 1u) +
-                   uint32_t(pageTemplate.offset);
+  uint32_t value =
+      uint32_t(pageTemplate.step) * (uint32_t(int32_t(page)) - 1u) + uint32_t(pageTemplate.offset);
   out.params[pageTemplate.paramIndex].value.Format("%d", int32_t(value));
 }

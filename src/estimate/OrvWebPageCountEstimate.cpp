@@ -13,8 +13,7 @@ OrvWebPageCountEstimate::OrvWebPageCountEstimate(const OrvWebPageCountEstimate& 
 
 OrvWebPageCountEstimate::~OrvWebPageCountEstimate() { Release(); }
 
-OrvWebPageCountEstimate& OrvWebPageCountEstimate::operator=(
-    const OrvWebPageCountEstimate& other) {
+OrvWebPageCountEstimate& OrvWebPageCountEstimate::operator=(const OrvWebPageCountEstimate& other) {
   if (estimator == other.estimator) return *this;
   OrvWebPageCountEstimateImpl* shared = other.estimator;
   if (shared) shared->references++;

@@ -81,7 +81,8 @@ class OrvPairSet {
     mask = grown - 1;
     used = 0;
     for (size_t i = 0; i < oldCapacity; i++)
-      if (old[i].a) Add(reinterpret_cast<const void*>(old[i].a), reinterpret_cast<const void*>(old[i].b));
+      if (old[i].a)
+        Add(reinterpret_cast<const void*>(old[i].a), reinterpret_cast<const void*>(old[i].b));
     OrvFreeBytes(old);
   }
 };

@@ -91,8 +91,8 @@ int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvPtrList& list) {
     likeOf[k] = -1;
     var_attr* attr = ClassAttr(item);
     if (!attr) continue;
-    uint32_t hash = FoldHash(FoldHash(2166136261u, item->name, item->name_len), attr->value,
-                             attr->value_len);
+    uint32_t hash =
+        FoldHash(FoldHash(2166136261u, item->name, item->name_len), attr->value, attr->value_len);
     for (uint32_t s = (hash ^ (hash >> 15)) & mask;; s = (s + 1) & mask) {
       LikeSlot& slot = likeSlots[s];
       if (slot.first < 0) {

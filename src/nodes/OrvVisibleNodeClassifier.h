@@ -69,9 +69,9 @@ class OrvVisibleNodeClassifier {
   // classification without Clear, a tree with odd parent links, or a walk not
   // started by Classify) every (list, item) pair is kept in a set, built from
   // the lists at the moment the first answer stops holding.
-  bool walkInOrder = false;  // the first answer holds for the walk under way
+  bool walkInOrder = false;      // the first answer holds for the walk under way
   bool classifyInOrder = false;  // ... and held for the whole walk of Classify
-  bool setKept = false;  // `listed` holds every pair of both maps
+  bool setKept = false;          // `listed` holds every pair of both maps
   OrvPairSet listed;
   OrvPairSet parentsListed;  // the same for the parents list of Classify
 

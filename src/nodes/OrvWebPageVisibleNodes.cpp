@@ -3,8 +3,7 @@
 #include "core/OrvMemory.h"
 #include "nodes/OrvVisibleNodeClassifier.h"
 
-OrvWebPageVisibleNodes::OrvWebPageVisibleNodes()
-    : classifier(OrvNew<OrvVisibleNodeClassifier>()) {}
+OrvWebPageVisibleNodes::OrvWebPageVisibleNodes() : classifier(OrvNew<OrvVisibleNodeClassifier>()) {}
 
 OrvWebPageVisibleNodes::OrvWebPageVisibleNodes(const OrvWebPageVisibleNodes& other)
     : classifier(other.classifier) {

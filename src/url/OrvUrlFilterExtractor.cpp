@@ -9,7 +9,8 @@ struct Pattern {
   long length;
 };
 
-#define ORV_PATTERN(text) Pattern{text, long(sizeof(text) - 1)}
+#define ORV_PATTERN(text) \
+  Pattern { text, long(sizeof(text) - 1) }
 
 // Families of file extensions, tried in this order. An extension picks the
 // first row whose whole text holds it, punctuation included.
@@ -20,7 +21,8 @@ const Pattern kExtensionRows[] = {
     ORV_PATTERN("(.mp3\\E,.wma\\E)"),
     ORV_PATTERN("(.flv\\E,.gif\\E)"),
 };
-static_assert(sizeof("(.htm\\E,.html\\E,.phtml\\E,.shtml\\E,.jsp\\E,.php\\E,.asp\\E,.ksp\\E)") - 1 ==
+static_assert(sizeof("(.htm\\E,.html\\E,.phtml\\E,.shtml\\E,.jsp\\E,.php\\E,.asp\\E,.ksp\\E)") -
+                  1 ==
               62);
 
 const Pattern kNoExtension = ORV_PATTERN("(/\\S\\E,/\\E)");
@@ -78,10 +80,10 @@ void OrvUrlFilterExtractor::ExtractHost(const OrvUrlFilterExtractor& self, OrvSt
     return;
   }
   // A substring test: the domain may stand anywhere in the host, in its case.
-  const Pattern& p = (url.host.len > 0 &&
-                      url.host.Find(self.entryDomain.buf, self.entryDomain.len, 0) < 0)
-                         ? kOffDomain
-                         : kOnDomain;
+  const Pattern& p =
+      (url.host.len > 0 && url.host.Find(self.entryDomain.buf, self.entryDomain.len, 0) < 0)
+          ? kOffDomain
+          : kOnDomain;
   key.CopyBuf(p.text, p.length);
 }
 

@@ -19,7 +19,8 @@
 namespace {
 
 const char* kPage =
-    "<html><head><meta charset=utf-8><title>Shop</title><script>var x = 1;</script></head><body>Offers\n"
+    "<html><head><meta charset=utf-8><title>Shop</title><script>var x = "
+    "1;</script></head><body>Offers\n"
     "<ul><li class=\"item\"><a href=\"/1\">First</a> <b>new</b></li>\n"
     "<li class=\"item\"><a href=\"/2\">Caf\xC3\xA9   au\n lait</a></li></ul></body></html>";
 

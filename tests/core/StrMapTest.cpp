@@ -308,8 +308,7 @@ TEST(StrMap, SixtyFiveThousandKeysInOneBucket) {
   }
   for (uint32_t i = 0; i < n; i++) ASSERT_EQ(seen[i], 1) << i;
   EXPECT_EQ(*map.Find(keys[12345].c_str(), 32), 12345u);
-  double seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   std::printf("65,536 keys in one bucket: %.2f s\n", seconds);
 }
 

@@ -37,15 +37,22 @@ struct CrawlCase {
 const CrawlCase kCrawlCases[] = {
     {"PageWithoutLinks",
      [](EstimateSite& site, OrvWebPageCountEstimate&) { site.Serve("/", Html("<p>hello</p>")); },
-     "/", 1, {"/"}},
-    {"EmptyPage", [](EstimateSite& site, OrvWebPageCountEstimate&) { site.Serve("/", ""); }, "/",
-     1, {"/"}},
+     "/",
+     1,
+     {"/"}},
+    {"EmptyPage",
+     [](EstimateSite& site, OrvWebPageCountEstimate&) { site.Serve("/", ""); },
+     "/",
+     1,
+     {"/"}},
     {"ThreeLinksOfOneShapeAreFetchedOnce",
      [](EstimateSite& site, OrvWebPageCountEstimate&) {
        site.Serve("/", Html(ItemLinks("/item", 3)));
        site.Serve("/item", Html("<p>an item</p>"));
      },
-     "/", 4, {"/", "/item"}},
+     "/",
+     4,
+     {"/", "/item"}},
     {"FailedFirstUrlOfAShapeCountsNothing",
      [](EstimateSite& site, OrvWebPageCountEstimate&) {
        site.Serve("/", Html(ItemLinks("/item", 3)));
@@ -56,28 +63,36 @@ const CrawlCase kCrawlCases[] = {
          return true;
        });
      },
-     "/", 1, {"/", "/item"}},
+     "/",
+     1,
+     {"/", "/item"}},
     {"ContentPageLinksAreNotFollowed",
      [](EstimateSite& site, OrvWebPageCountEstimate&) {
        site.Serve("/", Html(Link("/article?id=1", "read")));
        site.Serve("/article", Html(ArticleText() + Link("/more?m=1", "more")));
        site.Serve("/more", Html("<p>more</p>"));
      },
-     "/", 2, {"/", "/article"}},
+     "/",
+     2,
+     {"/", "/article"}},
     {"PlainPageLinksAreFollowedBreadthFirst",
      [](EstimateSite& site, OrvWebPageCountEstimate&) {
        site.Serve("/", Html(Link("/a?x=1", "a")));
        site.Serve("/a", Html(Link("/b?y=1", "b") + Link("/", "home")));
        site.Serve("/b", Html(Link("/a?x=2", "a again")));
      },
-     "/", 5, {"/", "/a", "/b"}},
+     "/",
+     5,
+     {"/", "/a", "/b"}},
     {"StopBeforeTheCallReadsTheEntryOnly",
      [](EstimateSite& site, OrvWebPageCountEstimate& estimator) {
        site.Serve("/", Html(ItemLinks("/item", 3) + "<p>x</p>"));
        site.Serve("/item", Html("<p>an item</p>"));
        estimator.StopEstimating();
      },
-     "/", 1, {"/"}},
+     "/",
+     1,
+     {"/"}},
     {"StopInTheMiddleOfAPageEndsOnlyThatPage",
      [](EstimateSite& site, OrvWebPageCountEstimate& estimator) {
        site.Serve("/", Html(Link("/a?x=1", "a") + Link("/b?y=1", "b")));
@@ -91,15 +106,19 @@ const CrawlCase kCrawlCases[] = {
        site.Serve("/c", Html("<p>c</p>"));
        site.Serve("/d", Html("<p>d</p>"));
      },
-     "/", 4, {"/", "/a", "/b", "/d"}},
+     "/",
+     4,
+     {"/", "/a", "/b", "/d"}},
     {"OffSiteAndUnlistedExtensionsAreNotCrawled",
      [](EstimateSite& site, OrvWebPageCountEstimate&) {
-       site.Serve("/", Html(Link("http://elsewhere.test/x?e=1", "off") +
-                            Link("/file.pdf?f=1", "pdf") + Link("javascript:go()", "js") +
-                            Link("/page.html?h=1", "html")));
+       site.Serve("/",
+                  Html(Link("http://elsewhere.test/x?e=1", "off") + Link("/file.pdf?f=1", "pdf") +
+                       Link("javascript:go()", "js") + Link("/page.html?h=1", "html")));
        site.Serve("/page.html", Html("<p>page</p>"));
      },
-     "/", 2, {"/", "/page.html"}},
+     "/",
+     2,
+     {"/", "/page.html"}},
 };
 
 class Crawl : public testing::TestWithParam<CrawlCase> {

@@ -158,9 +158,10 @@ struct Listing {
     pager += "</div>";
     std::string list = "<ul>";
     for (int i = 1; i <= items; i++)
-      list += "<li>" + Link(itemPath + "?item=" + std::to_string(n * 1000 + i), "Item " +
-                                                                                std::to_string(i)) +
-              "</li>";
+      list +=
+          "<li>" +
+          Link(itemPath + "?item=" + std::to_string(n * 1000 + i), "Item " + std::to_string(i)) +
+          "</li>";
     list += "</ul>";
     body = Html(list + pager);
     return true;

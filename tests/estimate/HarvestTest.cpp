@@ -288,9 +288,9 @@ struct TextByteCase {
 
 TEST(HarvestEdges, NumberTextIsDigitsBlanksAndCommasOnly) {
   const TextByteCase cases[] = {
-      {"", 0, true},        {"x", -1, true},  {"0123456789 ,", 12, true}, {"12a", 3, false},
-      {"12a", 2, true},     {"1.5", 3, false}, {"-3", 2, false},          {"1\t2", 3, false},
-      {"\n", 1, false},
+      {"", 0, true},     {"x", -1, true},    {"0123456789 ,", 12, true},
+      {"12a", 3, false}, {"12a", 2, true},   {"1.5", 3, false},
+      {"-3", 2, false},  {"1\t2", 3, false}, {"\n", 1, false},
   };
   for (const auto& c : cases)
     EXPECT_EQ(IsNumberText(c.text, c.length), c.number) << "[" << c.text << "] " << c.length;

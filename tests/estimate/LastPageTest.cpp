@@ -151,14 +151,21 @@ const ListingCase kListingCases[] = {
        l.items = 8;
        ServeListing(site, l);
      },
-     "/list?page=1", 260, "/list", Targets("/list", {1, 100}), {"/item", "/list", "/list"}},
+     "/list?page=1",
+     260,
+     "/list",
+     Targets("/list", {1, 100}),
+     {"/item", "/list", "/list"}},
     {"LastPageFoundButNothingToCrawl",
      [](EstimateSite& site) {
        Listing l = Pages(13, true);
        l.path = "/list.php";
        ServeListing(site, l);
      },
-     "/list.php?page=1", 0, "/list.php", Targets("/list.php", {1, 100}),
+     "/list.php?page=1",
+     0,
+     "/list.php",
+     Targets("/list.php", {1, 100}),
      {"/list.php", "/list.php"}},
     {"ListingByOffsets",
      [](EstimateSite& site) {
@@ -169,7 +176,10 @@ const ListingCase kListingCases[] = {
        l.items = 3;
        ServeListing(site, l);
      },
-     "/list?start=0", 63, "/list", Targets("/list", {0, 1980, 980, 480, 240, 120}, "start"),
+     "/list?start=0",
+     63,
+     "/list",
+     Targets("/list", {0, 1980, 980, 480, 240, 120}, "start"),
      {"/item", "/list", "/list", "/list", "/list", "/list", "/list"}},
     // The entry page, 40 articles of one shape and a listing of 13 pages of
     // 20 URLs: 1 + 40 + 260.
@@ -184,7 +194,11 @@ const ListingCase kListingCases[] = {
        l.items = 8;
        ServeListing(site, l);
      },
-     "/", 301, "/list", Targets("/list", {1, 100}), {"/", "/article", "/item", "/list", "/list"}},
+     "/",
+     301,
+     "/list",
+     Targets("/list", {1, 100}),
+     {"/", "/article", "/item", "/list", "/list"}},
 };
 
 class ListingEstimate : public testing::TestWithParam<ListingCase> {

@@ -43,7 +43,7 @@ std::string PagerTree(const std::string& tokens) {
 struct RunCase {
   const char* name;
   const char* pager;
-  const char* runs;      // depth of the link element = numbers kept
+  const char* runs;       // depth of the link element = numbers kept
   const char* template_;  // position of the pair : page value of the template, or ""
 };
 

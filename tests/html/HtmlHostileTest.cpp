@@ -26,7 +26,8 @@ void Count(var_item* item, int32_t depth, void* user) {
     c->textBytes += item->text_len;
     c->consistent = c->consistent && item->text_len > 0 && item->child == nullptr;
   }
-  for (var_item* k = item->child; k; k = k->next) c->consistent = c->consistent && k->parent == item;
+  for (var_item* k = item->child; k; k = k->next)
+    c->consistent = c->consistent && k->parent == item;
 }
 
 Counts OpenAndCount(std::string page, ORV_CHARSET charset) {
@@ -65,7 +66,8 @@ TEST(OrvHtmlHostile, AnyBytesArePages) {
       {"only NUL bytes", std::string(1000, '\0'), 0},
       {"control bytes", "<p>\x01\x02\x1B\x7F\x08 x</p>", 1},
       {"garbage", Garbage(200000, 7), 1000},
-      {"garbage with tags", Repeat(Garbage(50, 3) + "<a href=\"" + Garbage(20, 9) + "\">", 2000), 1000},
+      {"garbage with tags", Repeat(Garbage(50, 3) + "<a href=\"" + Garbage(20, 9) + "\">", 2000),
+       1000},
       {"unterminated tag", "<div class=\"never closed", 0},
       {"unterminated comment", "<p>x</p><!-- " + Repeat("y", 100000), 1},
       {"unterminated script", "<script>" + Repeat("if (a < b) { c(); }\n", 20000), 100000},
@@ -99,7 +101,8 @@ TEST(OrvHtmlHostile, PrintsNothing) {
   const std::string pages[] = {
       "<meta charset=utf-8><p>\xE6\x96 \xFF\xFE broken</p>",
       "<meta charset=no-such-charset><p>x</p>",
-      "<meta http-equiv=Content-Type content=\"text/html; charset=gb2312\"><p>\xE6\x96\xB0\xE7\x89 x</p>",
+      "<meta http-equiv=Content-Type content=\"text/html; charset=gb2312\"><p>\xE6\x96\xB0\xE7\x89 "
+      "x</p>",
       "\xFE\xFF\xD8\x00 odd surrogate",
       "<p>\x01</b></i><!-- <![CDATA[ &#xFFFFFF; &bogus; <?x",
       Garbage(20000, 11),
@@ -111,7 +114,8 @@ TEST(OrvHtmlHostile, PrintsNothing) {
       OpenAndCount(page, charset);
       std::string out = testing::internal::GetCapturedStdout();
       std::string err = testing::internal::GetCapturedStderr();
-      EXPECT_EQ(out + err, "") << Escaped(page.data(), static_cast<int32_t>(std::min<size_t>(page.size(), 40)));
+      EXPECT_EQ(out + err, "") << Escaped(page.data(),
+                                          static_cast<int32_t>(std::min<size_t>(page.size(), 40)));
     }
   }
 }

@@ -20,7 +20,7 @@ TEST(OrvBitsDoc, OpenCloseAndReopen) {
   std::string second = "<b>second</b><i>more</i>";
   OrvHtml doc;
   EXPECT_EQ(doc.root, nullptr);
-  EXPECT_EQ(doc.Close(), 0);  // closing a document never opened
+  EXPECT_EQ(doc.Close(), 0);                                    // closing a document never opened
   ASSERT_EQ(doc.Open(first.data(), -1, ORV_CHARSET_BYTES), 0);  // measured
   EXPECT_EQ(RootBehindTable(doc), doc.root);
   EXPECT_EQ(Dump(doc.root), "html\n  body\n    p\n      \"first\"\n");
@@ -56,7 +56,9 @@ TEST(OrvBitsDoc, CloseThroughTheBaseAndFailedOpen) {
   EXPECT_EQ(probe.root, nullptr);
   // Destroyed while open, through the base.
   OrvBitsDoc* heap = new OrvHtml;
-  ASSERT_EQ(static_cast<OrvHtml*>(heap)->Open(page.data(), static_cast<long>(page.size()), ORV_CHARSET_UTF8), 0);
+  ASSERT_EQ(static_cast<OrvHtml*>(heap)->Open(page.data(), static_cast<long>(page.size()),
+                                              ORV_CHARSET_UTF8),
+            0);
   delete heap;
 }
 
@@ -71,7 +73,8 @@ TEST(OrvBitsDoc, ManyPagesThroughOneDocumentStayIndependent) {
               "c" + std::to_string(i));
     int spans = 0;
     for (var_item* s = div->child; s; s = s->next) {
-      ASSERT_EQ(std::string(s->child->text, static_cast<size_t>(s->child->text_len)), std::to_string(spans));
+      ASSERT_EQ(std::string(s->child->text, static_cast<size_t>(s->child->text_len)),
+                std::to_string(spans));
       spans++;
     }
     ASSERT_EQ(spans, i + 1);

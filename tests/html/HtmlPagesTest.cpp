@@ -63,7 +63,8 @@ std::string ReadFile(const std::filesystem::path& path) {
   return out.str();
 }
 
-Summary OpenAndSummarise(OrvBitsDoc& doc, int (*open)(OrvBitsDoc&, std::string&), std::string page) {
+Summary OpenAndSummarise(OrvBitsDoc& doc, int (*open)(OrvBitsDoc&, std::string&),
+                         std::string page) {
   Summary s;
   EXPECT_EQ(open(doc, page), 0);
   WalkItems(doc.root, 1, Summarise, &s);
@@ -93,7 +94,8 @@ TEST(OrvHtmlPages, EveryPageOpensTheSameWayTwice) {
     return static_cast<OrvHtml&>(d).Open(p.data(), static_cast<long>(p.size()), ORV_CHARSET_BYTES);
   };
   auto openProbe = [](OrvBitsDoc& d, std::string& p) {
-    return static_cast<OrvHtmlDoc&>(d).Open(p.data(), static_cast<long>(p.size()), ORV_CHARSET_BYTES);
+    return static_cast<OrvHtmlDoc&>(d).Open(p.data(), static_cast<long>(p.size()),
+                                            ORV_CHARSET_BYTES);
   };
   int64_t allLinks = 0;
   for (const auto& path : pages) {

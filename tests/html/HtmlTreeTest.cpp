@@ -12,18 +12,16 @@ TEST(OrvHtmlOpen, BuildsTheTreeOfThePage) {
     ORV_CHARSET charset;
     std::string tree;
   } cases[] = {
-      {"link and its target, entities decoded",
-       "<a href=\"/x?a=1&amp;b=2\" class=nav>Go</a>", ORV_CHARSET_BYTES,
-       "html\n  body\n    a href=\"/x?a=1&b=2\" class=\"nav\"\n      \"Go\"\n"},
+      {"link and its target, entities decoded", "<a href=\"/x?a=1&amp;b=2\" class=nav>Go</a>",
+       ORV_CHARSET_BYTES, "html\n  body\n    a href=\"/x?a=1&b=2\" class=\"nav\"\n      \"Go\"\n"},
       {"pieces of one run become one text, across references and comments",
        "<p>a &amp; b<!-- note --> c&#33;</p>", ORV_CHARSET_BYTES,
        "html\n  body\n    p\n      \"a & b c!\"\n"},
       {"whitespace-only runs make no items; others keep their blanks",
        "<ul>\n  <li> x </li>\n  <li> \t\r\n </li>\n</ul>\n", ORV_CHARSET_BYTES,
        "html\n  body\n    ul\n      li\n        \" x \"\n      li\n"},
-      {"a non-breaking space is not ASCII whitespace",
-       "<p>&nbsp;</p><p>\xA0</p>", ORV_CHARSET_BYTES,
-       "html\n  body\n    p\n      \"\\xA0\"\n    p\n      \"\\xA0\"\n"},
+      {"a non-breaking space is not ASCII whitespace", "<p>&nbsp;</p><p>\xA0</p>",
+       ORV_CHARSET_BYTES, "html\n  body\n    p\n      \"\\xA0\"\n    p\n      \"\\xA0\"\n"},
       {"comments, processing instructions and the doctype make no items",
        "<!DOCTYPE html><!-- c --><?php x ?><html><body><!-- d --></body></html>", ORV_CHARSET_BYTES,
        "html\n  body\n"},
@@ -38,35 +36,32 @@ TEST(OrvHtmlOpen, BuildsTheTreeOfThePage) {
       {"bytes above 127 stay themselves; references beyond Latin-1 stay UTF-8",
        "<p title='caf\xE9'>caf\xE9 &eacute;&euro;\x80</p>", ORV_CHARSET_BYTES,
        "html\n  body\n    p title=\"caf\\xE9\"\n      \"caf\\xE9 \\xE9\\xE2\\x82\\xAC\\x80\"\n"},
-      {"a declared charset does not change the bytes",
-       "<meta charset=utf-8><p>caf\xC3\xA9</p>", ORV_CHARSET_BYTES,
+      {"a declared charset does not change the bytes", "<meta charset=utf-8><p>caf\xC3\xA9</p>",
+       ORV_CHARSET_BYTES,
        "html\n  head\n    meta charset=\"utf-8\"\n  body\n    p\n      \"caf\\xC3\\xA9\"\n"},
-      {"a byte-order mark is a byte like any other",
-       "\xEF\xBB\xBF<p>x</p>", ORV_CHARSET_BYTES,
+      {"a byte-order mark is a byte like any other", "\xEF\xBB\xBF<p>x</p>", ORV_CHARSET_BYTES,
        "html\n  body\n    p\n      \"\\xEF\\xBB\\xBF\"\n    p\n      \"x\"\n"},
-      {"a byte-order mark is skipped when decoding",
-       "\xEF\xBB\xBF<p>x</p>", ORV_CHARSET_UTF8, "html\n  body\n    p\n      \"x\"\n"},
+      {"a byte-order mark is skipped when decoding", "\xEF\xBB\xBF<p>x</p>", ORV_CHARSET_UTF8,
+       "html\n  body\n    p\n      \"x\"\n"},
       {"NUL bytes are skipped and do not end the page",
        std::string("<p>a\0b</p>\0<p>after</p>\0", 24), ORV_CHARSET_BYTES,
        "html\n  body\n    p\n      \"ab\"\n    p\n      \"after\"\n"},
-      {"NUL bytes when decoding too",
-       std::string("<p>x</p>\0<p>after</p>", 21), ORV_CHARSET_UTF8,
+      {"NUL bytes when decoding too", std::string("<p>x</p>\0<p>after</p>", 21), ORV_CHARSET_UTF8,
        "html\n  body\n    p\n      \"x\"\n    p\n      \"after\"\n"},
-      {"a wide page keeps its NUL bytes for decoding",
-       std::string("\xFF\xFE<\0p\0>\0x\0", 10), ORV_CHARSET_UTF8,
-       "html\n  body\n    p\n      \"x\"\n"},
-      {"decoding by the declared charset",
-       "<meta charset=windows-1251><p>\xCF\xF0\xE8</p>", ORV_CHARSET_UTF8,
+      {"a wide page keeps its NUL bytes for decoding", std::string("\xFF\xFE<\0p\0>\0x\0", 10),
+       ORV_CHARSET_UTF8, "html\n  body\n    p\n      \"x\"\n"},
+      {"decoding by the declared charset", "<meta charset=windows-1251><p>\xCF\xF0\xE8</p>",
+       ORV_CHARSET_UTF8,
        "html\n  head\n    meta charset=\"windows-1251\"\n  body\n    p\n"
        "      \"\\xD0\\x9F\\xD1\\x80\\xD0\\xB8\"\n"},
-      {"declared UTF-8 stays as it is",
-       "<meta charset=utf-8><p>caf\xC3\xA9 &euro;</p>", ORV_CHARSET_UTF8,
-       "html\n  head\n    meta charset=\"utf-8\"\n  body\n    p\n      \"caf\\xC3\\xA9 \\xE2\\x82\\xAC\"\n"},
-      {"undeclared bytes that are not UTF-8 read as Latin-1",
-       "<p>caf\xE9</p>", ORV_CHARSET_UTF8,
+      {"declared UTF-8 stays as it is", "<meta charset=utf-8><p>caf\xC3\xA9 &euro;</p>",
+       ORV_CHARSET_UTF8,
+       "html\n  head\n    meta charset=\"utf-8\"\n  body\n    p\n      \"caf\\xC3\\xA9 "
+       "\\xE2\\x82\\xAC\"\n"},
+      {"undeclared bytes that are not UTF-8 read as Latin-1", "<p>caf\xE9</p>", ORV_CHARSET_UTF8,
        "html\n  body\n    p\n      \"caf\\xC3\\xA9\"\n"},
-      {"unclosed and stray tags follow the parser's repair",
-       "<div><p>one<p>two</span></div>tail", ORV_CHARSET_BYTES,
+      {"unclosed and stray tags follow the parser's repair", "<div><p>one<p>two</span></div>tail",
+       ORV_CHARSET_BYTES,
        "html\n  body\n    div\n      p\n        \"one\"\n      p\n        \"two\"\n    \"tail\"\n"},
       {"plain text is a page", "just words", ORV_CHARSET_BYTES,
        "html\n  body\n    p\n      \"just words\"\n"},
@@ -93,13 +88,15 @@ TEST(OrvHtmlOpen, TagAndAttributeNumbers) {
       doc.root, 1,
       [](var_item* item, int32_t, void* user) {
         Seen* s = static_cast<Seen*>(user);
-        s->tags.emplace_back(std::string(item->name, static_cast<size_t>(item->name_len)), item->tag_id);
+        s->tags.emplace_back(std::string(item->name, static_cast<size_t>(item->name_len)),
+                             item->tag_id);
         for (var_attr* a = item->attr_list; a; a = a->next) {
           s->attrs.emplace_back(std::string(a->name, static_cast<size_t>(a->name_len)), a->attr_id);
         }
       },
       &seen);
-  const uint16_t reserved[] = {0, ORV_TAG_LINK, ORV_TAG_NO_TEXT_A, ORV_TAG_NO_TEXT_B, ORV_TAG_NO_TEXT_C};
+  const uint16_t reserved[] = {0, ORV_TAG_LINK, ORV_TAG_NO_TEXT_A, ORV_TAG_NO_TEXT_B,
+                               ORV_TAG_NO_TEXT_C};
   for (const auto& [name, tag] : seen.tags) {
     if (name == "$text") {
       EXPECT_EQ(tag, 0);

@@ -12,7 +12,8 @@ namespace {
 // " a0=0 a1=1 ..." with the given number of attributes, from index first.
 std::string Attributes(int count, int first = 0) {
   std::string out;
-  for (int i = first; i < first + count; i++) out += " a" + std::to_string(i) + "=" + std::to_string(i);
+  for (int i = first; i < first + count; i++)
+    out += " a" + std::to_string(i) + "=" + std::to_string(i);
   return out;
 }
 
@@ -50,23 +51,28 @@ TEST(OrvTamePage, DropsNulBytesAndCutsOverlongTags) {
       {"unless bytes are kept", std::string("\xFF\xFE<\0p\0", 6), false, "\xFF\xFE<p"},
       {"narrow page with a NUL while decoding", std::string("<p>x\0</p>", 9), true, "<p>x</p>"},
       {"exactly the most attributes", "<p" + Attributes(max) + ">t", false, "(as is)"},
-      {"one too many", "<p" + Attributes(max + 1) + ">t</p>", false, "<p" + Attributes(max) + " >t</p>"},
+      {"one too many", "<p" + Attributes(max + 1) + ">t</p>", false,
+       "<p" + Attributes(max) + " >t</p>"},
       {"many too many, tag never closed", "<div" + Attributes(max + 500), false,
        "<div" + Attributes(max) + " "},
       {"quoted values with blanks and '>' are one attribute",
        "<p" + Times(" q=\"a > b\"", max) + " last='x' more>t", false,
        "<p" + Times(" q=\"a > b\"", max) + " >t"},
       {"blanks around '=' and bare names count as written",
-       "<p" + Times(" b = 1 c", max / 2) + " d>t", false, "<p" + Times(" b = 1 c", max / 2) + " >t"},
-      {"junk between attributes is not an attribute", "<p" + Times(" \"junk\" 9x", max) + " a>t", false,
+       "<p" + Times(" b = 1 c", max / 2) + " d>t", false,
+       "<p" + Times(" b = 1 c", max / 2) + " >t"},
+      {"junk between attributes is not an attribute", "<p" + Times(" \"junk\" 9x", max) + " a>t",
+       false, "(as is)"},
+      {"inside a comment nothing is cut", "<!-- <p" + Attributes(max + 1) + "> -->", false,
        "(as is)"},
-      {"inside a comment nothing is cut", "<!-- <p" + Attributes(max + 1) + "> -->", false, "(as is)"},
-      {"nor in a script", "<script>if (a <b" + Attributes(max + 1) + ") f();</script>", false, "(as is)"},
+      {"nor in a script", "<script>if (a <b" + Attributes(max + 1) + ") f();</script>", false,
+       "(as is)"},
       {"but again after it", "<SCRIPT>x</Script ><i" + Attributes(max + 1) + ">", false,
        "<SCRIPT>x</Script ><i" + Attributes(max) + " >"},
       {"after a style too", "<style>a<b c d</style><i" + Attributes(max + 2) + ">", false,
        "<style>a<b c d</style><i" + Attributes(max) + " >"},
-      {"an unclosed script hides the rest", "<script><i" + Attributes(max + 1) + ">", false, "(as is)"},
+      {"an unclosed script hides the rest", "<script><i" + Attributes(max + 1) + ">", false,
+       "(as is)"},
   };
   for (const Case& c : cases) EXPECT_EQ(Tamed(c.page, c.mayBeWide), c.expected) << c.what;
 }

@@ -5,9 +5,9 @@
 #include <chrono>
 #include <string>
 
-#include "support/LocalServers.h"
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "support/LocalServers.h"
 
 // Every test starts from the defaults, with zero counters, and leaves them so.
 class HttpTest : public ::testing::Test {

@@ -70,12 +70,10 @@ class HttpResponseTest : public HttpTest {
       res.status = 500;
       res.set_content("oops", "text/html");
     });
-    s.Get("/moved", [](const httplib::Request&, httplib::Response& res) {
-      res.set_redirect("/ok");
-    });
-    s.Get("/nowhere", [](const httplib::Request&, httplib::Response& res) {
-      res.set_redirect("/missing");
-    });
+    s.Get("/moved",
+          [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/ok"); });
+    s.Get("/nowhere",
+          [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/missing"); });
     s.Get(R"(/chain/(\d+))", [](const httplib::Request& req, httplib::Response& res) {
       int left = std::stoi(req.matches[1]);
       if (left == 0)
@@ -83,7 +81,8 @@ class HttpResponseTest : public HttpTest {
       else
         res.set_redirect("/chain/" + std::to_string(left - 1));
     });
-    s.Get("/loop", [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/loop"); });
+    s.Get("/loop",
+          [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/loop"); });
     s.Get("/binary", [](const httplib::Request&, httplib::Response& res) {
       res.set_content(std::string("a\0b\0\xff", 5), "application/octet-stream");
     });

@@ -151,7 +151,8 @@ bool TextOrMarked(var_item* item) {
 
 std::string RandomTree(std::mt19937& rng) {
   static const char* names[] = {"div", "li", "LI", "span", "p", "script"};
-  static const char* classes[] = {"", " class=a", " class=A", " class=b", " class", " class=\"a b\""};
+  static const char* classes[] = {"",         " class=a", " class=A",
+                                  " class=b", " class",   " class=\"a b\""};
   std::string out;
   // (indentation, children still to make) per open element.
   std::vector<int> open;
@@ -169,7 +170,8 @@ std::string RandomTree(std::mt19937& rng) {
     if (kind < 3 || open.size() > 9) {
       out += indent + "\"t" + std::to_string(budget) + "\"\n";
     } else {
-      out += indent + names[rng() % 6] + classes[rng() % 6] + (rng() % 7 == 0 ? " mark" : "") + "\n";
+      out +=
+          indent + names[rng() % 6] + classes[rng() % 6] + (rng() % 7 == 0 ? " mark" : "") + "\n";
       // Now and then a wide parent, to go past the pairwise search.
       open.push_back(rng() % 12 == 0 ? 18 + int(rng() % 10) : int(rng() % 5));
     }

@@ -15,7 +15,8 @@ char kLeaf1[] = "L1";
 char kLeaf2[] = "L2";
 
 // Element lines of n siblings at the given indentation, each holding a text.
-std::string Siblings(int n, const std::string& indent, const std::function<std::string(int)>& line) {
+std::string Siblings(int n, const std::string& indent,
+                     const std::function<std::string(int)>& line) {
   std::string out;
   for (int i = 0; i < n; i++)
     out += indent + line(i) + "\n" + indent + "  \"t" + std::to_string(i) + "\"\n";
@@ -34,13 +35,16 @@ TEST(Classify, BlockExamples) {
     Classes expected;
     std::function<void(ItemTree&)> patch = nullptr;
   } cases[] = {
-      {"nothing visible", R"(
+      {"nothing visible",
+       R"(
         html
           body
             div class=x
             div class=x
-        )", {}},
-      {"visible items at one depth give the page class alone", R"(
+        )",
+       {}},
+      {"visible items at one depth give the page class alone",
+       R"(
         html
           body
             ul
@@ -48,8 +52,10 @@ TEST(Classify, BlockExamples) {
                 "one"
               li class=e
                 "two"
-        )", {{"one", "two"}}},
-      {"list with a visible item at depth 3 elsewhere", R"(
+        )",
+       {{"one", "two"}}},
+      {"list with a visible item at depth 3 elsewhere",
+       R"(
         html
           body
             ul
@@ -58,8 +64,10 @@ TEST(Classify, BlockExamples) {
               li class=e
                 "two"
             "three"
-        )", {{"one", "two"}, {"one", "two", "three"}}},
-      {"only one child has the class attribute", R"(
+        )",
+       {{"one", "two"}, {"one", "two", "three"}}},
+      {"only one child has the class attribute",
+       R"(
         html
           body
             ul
@@ -68,8 +76,10 @@ TEST(Classify, BlockExamples) {
               li
                 "two"
             "three"
-        )", {{"one", "two", "three"}}},
-      {"same class under different names", R"(
+        )",
+       {{"one", "two", "three"}}},
+      {"same class under different names",
+       R"(
         html
           body
             ul
@@ -78,8 +88,10 @@ TEST(Classify, BlockExamples) {
               div class=e
                 "two"
             "three"
-        )", {{"one", "two", "three"}}},
-      {"names that differ only in case", R"(
+        )",
+       {{"one", "two", "three"}}},
+      {"names that differ only in case",
+       R"(
         html
           body
             ul
@@ -88,8 +100,10 @@ TEST(Classify, BlockExamples) {
               LI class=e
                 "two"
             "three"
-        )", {{"one", "two"}, {"one", "two", "three"}}},
-      {"class values that differ only in case", R"(
+        )",
+       {{"one", "two"}, {"one", "two", "three"}}},
+      {"class values that differ only in case",
+       R"(
         html
           body
             ul
@@ -98,8 +112,10 @@ TEST(Classify, BlockExamples) {
               li class=eNTRY
                 "two"
             "three"
-        )", {{"one", "two"}, {"one", "two", "three"}}},
-      {"two empty class values", R"(
+        )",
+       {{"one", "two"}, {"one", "two", "three"}}},
+      {"two empty class values",
+       R"(
         html
           body
             ul
@@ -108,8 +124,10 @@ TEST(Classify, BlockExamples) {
               li class=""
                 "two"
             "three"
-        )", {{"one", "two"}, {"one", "two", "three"}}},
-      {"the same words in another order", R"(
+        )",
+       {{"one", "two"}, {"one", "two", "three"}}},
+      {"the same words in another order",
+       R"(
         html
           body
             ul
@@ -118,8 +136,10 @@ TEST(Classify, BlockExamples) {
               li class="b a"
                 "two"
             "three"
-        )", {{"one", "two", "three"}}},
-      {"a blank at the end of a value counts", R"(
+        )",
+       {{"one", "two", "three"}}},
+      {"a blank at the end of a value counts",
+       R"(
         html
           body
             ul
@@ -128,8 +148,10 @@ TEST(Classify, BlockExamples) {
               li class=a
                 "two"
             "three"
-        )", {{"one", "two", "three"}}},
-      {"an unlike child's items join the block", R"(
+        )",
+       {{"one", "two", "three"}}},
+      {"an unlike child's items join the block",
+       R"(
         html
           body
             ul
@@ -140,8 +162,10 @@ TEST(Classify, BlockExamples) {
               p
                 "other"
             "three"
-        )", {{"one", "two", "other"}, {"one", "two", "other", "three"}}},
-      {"a child with nothing visible counts for nothing", R"(
+        )",
+       {{"one", "two", "other"}, {"one", "two", "other", "three"}}},
+      {"a child with nothing visible counts for nothing",
+       R"(
         html
           body
             ul
@@ -151,22 +175,26 @@ TEST(Classify, BlockExamples) {
               p
                 "two"
             "three"
-        )", {{"one", "two", "three"}}},
-      {"like leaves make an empty block, dropped", R"(
+        )",
+       {{"one", "two", "three"}}},
+      {"like leaves make an empty block, dropped",
+       R"(
         html
           body
             p
               $text#0 class=x
               $text#0 class=x
             "three"
-        )", {{"L1", "L2", "three"}},
+        )",
+       {{"L1", "L2", "three"}},
        [](ItemTree& t) {
          t[3]->text = kLeaf1;
          t[3]->text_len = 2;
          t[4]->text = kLeaf2;
          t[4]->text_len = 2;
        }},
-      {"a single child after a block-forming parent", R"(
+      {"a single child after a block-forming parent",
+       R"(
         html
           body
             ul
@@ -178,8 +206,10 @@ TEST(Classify, BlockExamples) {
               span class=e
                 "solo"
             "three"
-        )", {{"one", "two"}, {"one", "two", "solo", "three"}}},
-      {"a block in a block makes one class", R"(
+        )",
+       {{"one", "two"}, {"one", "two", "solo", "three"}}},
+      {"a block in a block makes one class",
+       R"(
         html
           body
             ul
@@ -192,8 +222,10 @@ TEST(Classify, BlockExamples) {
               li class=e
                 "b"
             "three"
-        )", {{"a1", "a2", "b"}, {"b", "a1", "a2", "three"}}},
-      {"two blocks side by side", R"(
+        )",
+       {{"a1", "a2", "b"}, {"b", "a1", "a2", "three"}}},
+      {"two blocks side by side",
+       R"(
         html
           body
             ol
@@ -207,8 +239,10 @@ TEST(Classify, BlockExamples) {
               li class=e
                 "two"
             "three"
-        )", {{"x", "y"}, {"one", "two"}, {"x", "y", "one", "two", "three"}}},
-      {"shallower blocks come first", R"(
+        )",
+       {{"x", "y"}, {"one", "two"}, {"x", "y", "one", "two", "three"}}},
+      {"shallower blocks come first",
+       R"(
         html
           body
             div
@@ -223,8 +257,10 @@ TEST(Classify, BlockExamples) {
               li class=f
                 "y"
             "three"
-        )", {{"x", "y"}, {"deep1", "deep2"}, {"x", "y", "deep1", "deep2", "three"}}},
-      {"a block takes what lies below the children, parents first", R"(
+        )",
+       {{"x", "y"}, {"deep1", "deep2"}, {"x", "y", "deep1", "deep2", "three"}}},
+      {"a block takes what lies below the children, parents first",
+       R"(
         html
           body
             div
@@ -235,8 +271,10 @@ TEST(Classify, BlockExamples) {
                 b
                   "bold"
             "three"
-        )", {{"own", "again", "bold"}, {"own", "again", "bold", "three"}}},
-      {"text under a no-text element is not visible", R"(
+        )",
+       {{"own", "again", "bold"}, {"own", "again", "bold", "three"}}},
+      {"text under a no-text element is not visible",
+       R"(
         html
           body
             ul
@@ -247,7 +285,8 @@ TEST(Classify, BlockExamples) {
                 style
                   "rules"
             "three"
-        )", {{"three"}}},
+        )",
+       {{"three"}}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
@@ -271,15 +310,20 @@ TEST(Classify, LongChildLists) {
       {"one late pair, long", 40,
        [](int i) { return "li class=c" + std::to_string(i == 39 ? 20 : i); }, true},
       {"late pair by case only, long", 40,
-       [](int i) { return i == 38 ? std::string("LI class=X") : i == 12 ? "li class=x" : "li class=c" + std::to_string(i); },
+       [](int i) {
+         return i == 38   ? std::string("LI class=X")
+                : i == 12 ? "li class=x"
+                          : "li class=c" + std::to_string(i);
+       },
        true},
       {"no class anywhere, long", 40, [](int) { return std::string("li"); }, false},
-      {"same class, names all differ, long", 40, [](int i) { return "n" + std::to_string(i) + " class=x"; },
-       false},
+      {"same class, names all differ, long", 40,
+       [](int i) { return "n" + std::to_string(i) + " class=x"; }, false},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    std::string tree = "html\n  body\n    ul\n" + Siblings(c.count, "      ", c.line) + "    \"top\"\n";
+    std::string tree =
+        "html\n  body\n    ul\n" + Siblings(c.count, "      ", c.line) + "    \"top\"\n";
     ItemTree t(tree);
     Classes got = Classify(t.root());
     std::vector<std::string> items;
@@ -300,10 +344,8 @@ TEST(Classify, SimilarGroupIsTheFirstWithAPartner) {
     std::vector<std::string> kinds;  // class values, "-" for none
     std::vector<int> group;
   } cases[] = {
-      {{"a", "b", "b", "a"}, {0, 3}},
-      {{"-", "b", "c", "b", "b"}, {1, 3, 4}},
-      {{"a", "b", "c"}, {1}},
-      {{"-", "-"}, {0}},
+      {{"a", "b", "b", "a"}, {0, 3}}, {{"-", "b", "c", "b", "b"}, {1, 3, 4}},
+      {{"a", "b", "c"}, {1}},         {{"-", "-"}, {0}},
       {{"x", "y", "Y", "X"}, {0, 3}},
   };
   for (int pad : {0, 30}) {
@@ -373,9 +415,10 @@ TEST(Classify, SecondRunWithoutClearAdds) {
   OrvVisibleNodeClassifier classifier;
   classifier.Classify(t.root());
   classifier.Classify(t.root());
-  EXPECT_EQ(ClassLabels(classifier),
-            (Classes{{"one", "two"}, {"one", "two", "three"}, {"one", "two"},
-                     {"one", "two", "one", "two", "three", "three"}}));
+  EXPECT_EQ(ClassLabels(classifier), (Classes{{"one", "two"},
+                                              {"one", "two", "three"},
+                                              {"one", "two"},
+                                              {"one", "two", "one", "two", "three", "three"}}));
   classifier.Clear();
   EXPECT_EQ(classifier.classes.count, 0);
   classifier.Classify(t.root());

@@ -28,8 +28,7 @@ TEST(DeepTree, MillionDeepBlock) {
   )");
   var_item* bottom = t.Nest(t.Find("li"), kDeep, "div");
   t.Add(bottom, "\"bottom\"");
-  EXPECT_EQ(Classify(t.root()),
-            (Classes{{"bottom", "two"}, {"top", "two", "bottom"}}));
+  EXPECT_EQ(Classify(t.root()), (Classes{{"bottom", "two"}, {"top", "two", "bottom"}}));
 }
 
 // Visible text at every level of a million-deep chain: every depth has a

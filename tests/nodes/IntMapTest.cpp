@@ -13,7 +13,8 @@ using PointerMap = OrvIntMap<uint64_t, int32_t>;
 template <class Map>
 std::vector<int64_t> Bucket(const Map& map, uint32_t i) {
   std::vector<int64_t> keys;
-  for (uint32_t j = 0; j < map.buckets[i].used; j++) keys.push_back(int64_t(map.buckets[i].entries[j].key));
+  for (uint32_t j = 0; j < map.buckets[i].used; j++)
+    keys.push_back(int64_t(map.buckets[i].entries[j].key));
   return keys;
 }
 
@@ -48,13 +49,24 @@ TEST(IntMap, GrowthAndDoubling) {
     std::vector<std::vector<int64_t>> firstBuckets;  // checked when not empty
   } cases[] = {
       // 1..64: four buckets of 16 each, nothing grown.
-      {[] { std::vector<int32_t> k; for (int32_t i = 1; i <= 64; i++) k.push_back(i); return k; }(),
-       4, {16, 16, 16, 16}, {}},
+      {[] {
+         std::vector<int32_t> k;
+         for (int32_t i = 1; i <= 64; i++) k.push_back(i);
+         return k;
+       }(),
+       4,
+       {16, 16, 16, 16},
+       {}},
       // Key 65 finds bucket 1 full with count 65 >= 48: the table doubles on
       // bit 2, moved keys land in the high bucket from the back, each hole is
       // filled by the low bucket's last key.
-      {[] { std::vector<int32_t> k; for (int32_t i = 1; i <= 65; i++) k.push_back(i); return k; }(),
-       8, {16, 16, 16, 16, 16, 16, 16, 16},
+      {[] {
+         std::vector<int32_t> k;
+         for (int32_t i = 1; i <= 65; i++) k.push_back(i);
+         return k;
+       }(),
+       8,
+       {16, 16, 16, 16, 16, 16, 16, 16},
        {{64, 8, 40, 16, 56, 24, 48, 32},
         {1, 33, 9, 49, 17, 41, 25, 57, 65},
         {2, 34, 10, 50, 18, 42, 26, 58},
@@ -65,15 +77,33 @@ TEST(IntMap, GrowthAndDoubling) {
         {63, 55, 47, 39, 31, 23, 15, 7}}},
       // A 17th key in one bucket with count below 48: that bucket grows by a
       // quarter and the table keeps its four buckets.
-      {[] { std::vector<int32_t> k; for (int32_t i = 0; i < 17; i++) k.push_back(4 * i); return k; }(),
-       4, {20, 16, 16, 16}, {}},
+      {[] {
+         std::vector<int32_t> k;
+         for (int32_t i = 0; i < 17; i++) k.push_back(4 * i);
+         return k;
+       }(),
+       4,
+       {20, 16, 16, 16},
+       {}},
       // Buckets keep growing by quarters: 16, 20, 25, 31, 38, 47.
-      {[] { std::vector<int32_t> k; for (int32_t i = 0; i < 47; i++) k.push_back(4 * i); return k; }(),
-       4, {47, 16, 16, 16}, {}},
+      {[] {
+         std::vector<int32_t> k;
+         for (int32_t i = 0; i < 47; i++) k.push_back(4 * i);
+         return k;
+       }(),
+       4,
+       {47, 16, 16, 16},
+       {}},
       // The 48th key in a full bucket reaches the limit: doubling moves
       // nothing (bit 2 is clear in every key) and the bucket grows after it.
-      {[] { std::vector<int32_t> k; for (int32_t i = 0; i < 48; i++) k.push_back(8 * i); return k; }(),
-       8, {58, 16, 16, 16, 47, 16, 16, 16}, {}},
+      {[] {
+         std::vector<int32_t> k;
+         for (int32_t i = 0; i < 48; i++) k.push_back(8 * i);
+         return k;
+       }(),
+       8,
+       {58, 16, 16, 16, 47, 16, 16, 16},
+       {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.keys.size());
@@ -88,8 +118,10 @@ TEST(IntMap, GrowthAndDoubling) {
     }
     EXPECT_EQ(map.count, c.keys.size());
     ASSERT_EQ(map.bucketCount, c.bucketCount);
-    for (uint32_t i = 0; i < map.bucketCount; i++) EXPECT_EQ(map.buckets[i].capacity, c.capacities[i]) << i;
-    for (size_t i = 0; i < c.firstBuckets.size(); i++) EXPECT_EQ(Bucket(map, uint32_t(i)), c.firstBuckets[i]) << i;
+    for (uint32_t i = 0; i < map.bucketCount; i++)
+      EXPECT_EQ(map.buckets[i].capacity, c.capacities[i]) << i;
+    for (size_t i = 0; i < c.firstBuckets.size(); i++)
+      EXPECT_EQ(Bucket(map, uint32_t(i)), c.firstBuckets[i]) << i;
     for (int32_t key : c.keys) {
       int32_t* value = map.Find(key);
       ASSERT_NE(value, nullptr) << key;
@@ -144,11 +176,8 @@ TEST(IntMap, RemoveFillsTheHoleWithTheLastEntry) {
     int result;
     std::vector<int64_t> bucket0;
   } cases[] = {
-      {0, 1, {16, 4, 8, 12}},
-      {16, 1, {0, 4, 8, 12}},
-      {8, 1, {0, 4, 16, 12}},
-      {20, 0, {0, 4, 8, 12, 16}},
-      {1, 0, {0, 4, 8, 12, 16}},
+      {0, 1, {16, 4, 8, 12}},     {16, 1, {0, 4, 8, 12}},    {8, 1, {0, 4, 16, 12}},
+      {20, 0, {0, 4, 8, 12, 16}}, {1, 0, {0, 4, 8, 12, 16}},
   };
   for (const Case& c : cases) {
     DepthMap map;

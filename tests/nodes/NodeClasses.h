@@ -26,7 +26,8 @@ inline std::vector<std::string> Labels(const OrvPtrList& list) {
 
 inline Classes ClassLabels(const OrvVisibleNodeClassifier& classifier) {
   Classes out;
-  for (int32_t i = 0; i < classifier.classes.count; i++) out.push_back(Labels(classifier.classes.items[i]));
+  for (int32_t i = 0; i < classifier.classes.count; i++)
+    out.push_back(Labels(classifier.classes.items[i]));
   return out;
 }
 

@@ -14,10 +14,13 @@ bool HasText(var_item* item) { return item->text && item->text_len > 0; }
 
 char kMarked[] = "m";
 
-void Index(OrvVisibleNodeClassifier& c, var_item* root) { WalkItems(root, 1, OrvVisibleNodeClassifier::OnItem, &c); }
+void Index(OrvVisibleNodeClassifier& c, var_item* root) {
+  WalkItems(root, 1, OrvVisibleNodeClassifier::OnItem, &c);
+}
 
 // Each depth with its records as label@depth, by rising depth.
-std::vector<std::pair<int32_t, std::vector<std::string>>> Levels(OrvVisibleNodeClassifier& c, int32_t from, int32_t to) {
+std::vector<std::pair<int32_t, std::vector<std::string>>> Levels(OrvVisibleNodeClassifier& c,
+                                                                 int32_t from, int32_t to) {
   std::vector<std::pair<int32_t, std::vector<std::string>>> out;
   for (int32_t d = from; d <= to; d++) {
     OrvPtrList** list = c.levels.Find(d);
@@ -134,11 +137,15 @@ TEST(NodeIndex, AcceptedAncestorIsNotRecordedAgain) {
   OrvVisibleNodeClassifier c;
   c.nodeTest = HasText;
   Index(c, t.root());
-  EXPECT_EQ(Levels(c, 1, 5), (std::vector<std::pair<int32_t, std::vector<std::string>>>{
-                                 {1, {"html@1"}}, {2, {"body@2"}}, {3, {"div@3"}}, {4, {"p@4", "c@4"}},
-                                 {5, {"a@5", "b@5"}}}));
+  EXPECT_EQ(Levels(c, 1, 5),
+            (std::vector<std::pair<int32_t, std::vector<std::string>>>{{1, {"html@1"}},
+                                                                       {2, {"body@2"}},
+                                                                       {3, {"div@3"}},
+                                                                       {4, {"p@4", "c@4"}},
+                                                                       {5, {"a@5", "b@5"}}}));
   EXPECT_EQ(ChildrenOf(c, t.Find("body")), std::vector<std::string>{"div"});
-  EXPECT_EQ((*c.levels.Find(3))->items[0], (*c.children.Find(reinterpret_cast<uintptr_t>(t.Find("body"))))->items[0]);
+  EXPECT_EQ((*c.levels.Find(3))->items[0],
+            (*c.children.Find(reinterpret_cast<uintptr_t>(t.Find("body"))))->items[0]);
   EXPECT_EQ(c.minDepth, 3);
   EXPECT_EQ(c.maxDepth, 5);
 }
@@ -153,8 +160,9 @@ TEST(NodeIndex, ClimbsAboveASubtreeRoot) {
   )");
   OrvVisibleNodeClassifier c;
   Index(c, t.Find("section"));
-  EXPECT_EQ(Levels(c, -5, 5), (std::vector<std::pair<int32_t, std::vector<std::string>>>{
-                                  {-1, {"html@-1"}}, {0, {"body@0"}}, {1, {"section@1"}}, {2, {"in@2"}}}));
+  EXPECT_EQ(Levels(c, -5, 5),
+            (std::vector<std::pair<int32_t, std::vector<std::string>>>{
+                {-1, {"html@-1"}}, {0, {"body@0"}}, {1, {"section@1"}}, {2, {"in@2"}}}));
   EXPECT_EQ(ChildrenOf(c, nullptr), std::vector<std::string>{"html"});
 }
 

@@ -24,9 +24,7 @@ std::string Page(const std::string& body) {
   return "<html><head><title>t</title></head><body>" + body + "</body></html>";
 }
 
-std::string Link(const std::string& href) {
-  return "<a href=\"" + href + "\">more</a> ";
-}
+std::string Link(const std::string& href) { return "<a href=\"" + href + "\">more</a> "; }
 
 // A plain entry page whose links lead to `path` with three different
 // parameter names, so each of them is a shape of its own and gets fetched.
@@ -100,13 +98,13 @@ struct HostileCase {
   const char* name;
   std::function<Site()> start;
   std::vector<std::string> options;
-  int status;              // expected exit status
-  double maxSeconds;       // the limit the options set
-  double minSeconds;       // at least this long (delays)
-  long minEstimate;        // with status 0: the estimate's range
+  int status;         // expected exit status
+  double maxSeconds;  // the limit the options set
+  double minSeconds;  // at least this long (delays)
+  long minEstimate;   // with status 0: the estimate's range
   long maxEstimate;
-  int maxHits;             // requests the servers may see at most; 0: any
-  bool estimateIsHits;     // every answered request was a readable plain page
+  int maxHits;          // requests the servers may see at most; 0: any
+  bool estimateIsHits;  // every answered request was a readable plain page
 };
 
 // Room for starting the process and for sanitizer builds.
@@ -115,10 +113,24 @@ constexpr double kSlack = 3.0;
 const HostileCase kCases[] = {
     {"TrickleEntryCutByTimeout",
      [] { return Http([](HttpTestServer& s) { ServeTrickle(s, "/"); }, "/"); },
-     {"--timeout", "1"}, 1, 1, 0, 0, 0, 0, false},
+     {"--timeout", "1"},
+     1,
+     1,
+     0,
+     0,
+     0,
+     0,
+     false},
     {"TrickleEntryCutByDeadline",
      [] { return Http([](HttpTestServer& s) { ServeTrickle(s, "/"); }, "/"); },
-     {"--deadline", "2"}, 1, 2, 0, 0, 0, 0, false},
+     {"--deadline", "2"},
+     1,
+     2,
+     0,
+     0,
+     0,
+     0,
+     false},
     {"TrickleHeadersCutByDeadline",
      [] {
        return Raw([](int fd, const std::atomic<bool>& stopping) {
@@ -128,97 +140,200 @@ const HostileCase kCases[] = {
              return;
        });
      },
-     {"--deadline", "2"}, 1, 2, 0, 0, 0, 0, false},
+     {"--deadline", "2"},
+     1,
+     2,
+     0,
+     0,
+     0,
+     0,
+     false},
     {"TricklePagesBehindReadableEntry",
      [] {
-       return Http([](HttpTestServer& s) {
-         ServeEntryLinkingTo(s, "/slow");
-         ServeTrickle(s, "/slow");
-       }, "/");
+       return Http(
+           [](HttpTestServer& s) {
+             ServeEntryLinkingTo(s, "/slow");
+             ServeTrickle(s, "/slow");
+           },
+           "/");
      },
-     {"--json", "--deadline", "3"}, 0, 3, 0, 1, 1, 0, false},
+     {"--json", "--deadline", "3"},
+     0,
+     3,
+     0,
+     1,
+     1,
+     0,
+     false},
     {"EndlessBodyEntry",
      [] { return Http([](HttpTestServer& s) { ServeEndless(s, "/"); }, "/"); },
-     {"--timeout", "3"}, 1, 3, 0, 0, 0, 0, false},
+     {"--timeout", "3"},
+     1,
+     3,
+     0,
+     0,
+     0,
+     0,
+     false},
     {"EndlessBodiesBehindReadableEntry",
      [] {
-       return Http([](HttpTestServer& s) {
-         ServeEntryLinkingTo(s, "/endless");
-         ServeEndless(s, "/endless");
-       }, "/");
+       return Http(
+           [](HttpTestServer& s) {
+             ServeEntryLinkingTo(s, "/endless");
+             ServeEndless(s, "/endless");
+           },
+           "/");
      },
-     {"--json", "--deadline", "4"}, 0, 4, 0, 1, 1, 0, false},
+     {"--json", "--deadline", "4"},
+     0,
+     4,
+     0,
+     1,
+     1,
+     0,
+     false},
     {"RedirectLoopEntry",
      [] {
-       return Http([](HttpTestServer& s) {
-         s.server.Get("/", [](const httplib::Request&, httplib::Response& res) {
-           res.set_redirect("/");
-         });
-       }, "/");
+       return Http(
+           [](HttpTestServer& s) {
+             s.server.Get("/", [](const httplib::Request&, httplib::Response& res) {
+               res.set_redirect("/");
+             });
+           },
+           "/");
      },
-     {"--deadline", "10"}, 1, 10, 0, 0, 0, 12, false},
+     {"--deadline", "10"},
+     1,
+     10,
+     0,
+     0,
+     0,
+     12,
+     false},
     {"EndlessRedirectChainBehindReadableEntry",
      [] {
-       return Http([](HttpTestServer& s) {
-         s.server.Get("/", [](const httplib::Request&, httplib::Response& res) {
-           res.set_content(Page(Link("/r?n=0")), "text/html");
-         });
-         s.server.Get("/r", [](const httplib::Request& req, httplib::Response& res) {
-           long n = std::atol(req.get_param_value("n").c_str());
-           res.set_redirect("/r?n=" + std::to_string(n + 1));
-         });
-       }, "/");
+       return Http(
+           [](HttpTestServer& s) {
+             s.server.Get("/", [](const httplib::Request&, httplib::Response& res) {
+               res.set_content(Page(Link("/r?n=0")), "text/html");
+             });
+             s.server.Get("/r", [](const httplib::Request& req, httplib::Response& res) {
+               long n = std::atol(req.get_param_value("n").c_str());
+               res.set_redirect("/r?n=" + std::to_string(n + 1));
+             });
+           },
+           "/");
      },
-     {"--json", "--deadline", "10"}, 0, 10, 0, 1, 1, 13, false},
+     {"--json", "--deadline", "10"},
+     0,
+     10,
+     0,
+     1,
+     1,
+     13,
+     false},
     {"NewParameterNamesStopAtBudget",
      [] { return Http(ServeNewNamesForever, "/p"); },
-     {"--json", "--max-requests", "40"}, 0, 15, 0, 40, 40, 40, true},
+     {"--json", "--max-requests", "40"},
+     0,
+     15,
+     0,
+     40,
+     40,
+     40,
+     true},
     {"NewParameterNamesStopAtDeadline",
      [] { return Http(ServeNewNamesForever, "/p"); },
-     {"--json", "--deadline", "2"}, 0, 2, 0, 2, 1000000, 0, false},
+     {"--json", "--deadline", "2"},
+     0,
+     2,
+     0,
+     2,
+     1000000,
+     0,
+     false},
     {"DelayBetweenRequests",
      [] { return Http(ServeNewNamesForever, "/p"); },
-     {"--json", "--max-requests", "5", "--delay", "300"}, 0, 10, 1.2, 5, 5, 5, true},
+     {"--json", "--max-requests", "5", "--delay", "300"},
+     0,
+     10,
+     1.2,
+     5,
+     5,
+     5,
+     true},
     {"GarbageInsteadOfHttp",
      [] {
        return Raw([](int fd, const std::atomic<bool>& stopping) {
          SendAll(fd, RandomBytes(8192, 7), stopping);
        });
      },
-     {"--deadline", "5"}, 1, 5, 0, 0, 0, 0, false},
+     {"--deadline", "5"},
+     1,
+     5,
+     0,
+     0,
+     0,
+     0,
+     false},
     {"GarbageBody",
      [] {
        return Raw([](int fd, const std::atomic<bool>& stopping) {
          std::string body = RandomBytes(200000, 11);
-         SendAll(fd, "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: " +
-                         std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body,
+         SendAll(fd,
+                 "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: " +
+                     std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body,
                  stopping);
        });
      },
-     {"--json", "--deadline", "5"}, 0, 5, 0, 0, 1, 0, false},
+     {"--json", "--deadline", "5"},
+     0,
+     5,
+     0,
+     0,
+     1,
+     0,
+     false},
     {"BodyShorterThanPromised",
      [] {
        return Raw([](int fd, const std::atomic<bool>& stopping) {
-         SendAll(fd, "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: 100000\r\n"
-                     "\r\n<html><body><a href=\"/x?q=1\">x</a>",
+         SendAll(fd,
+                 "HTTP/1.1 200 OK\r\nContent-Type: text/html\r\nContent-Length: 100000\r\n"
+                 "\r\n<html><body><a href=\"/x?q=1\">x</a>",
                  stopping);
        });
      },
-     {"--deadline", "5"}, 1, 5, 0, 0, 0, 0, false},
+     {"--deadline", "5"},
+     1,
+     5,
+     0,
+     0,
+     0,
+     0,
+     false},
     {"NestedAMillionDeep",
      [] {
-       return Http([](HttpTestServer& s) {
-         s.server.Get("/", [](const httplib::Request&, httplib::Response& res) {
-           std::string body;
-           for (int i = 0; i < 1000000; ++i) body += "<div>";
-           res.set_content(Page(body + Link("/d?x=1")), "text/html");
-         });
-         s.server.Get("/d", [](const httplib::Request&, httplib::Response& res) {
-           res.set_content(Page("plain"), "text/html");
-         });
-       }, "/");
+       return Http(
+           [](HttpTestServer& s) {
+             s.server.Get("/", [](const httplib::Request&, httplib::Response& res) {
+               std::string body;
+               for (int i = 0; i < 1000000; ++i) body += "<div>";
+               res.set_content(Page(body + Link("/d?x=1")), "text/html");
+             });
+             s.server.Get("/d", [](const httplib::Request&, httplib::Response& res) {
+               res.set_content(Page("plain"), "text/html");
+             });
+           },
+           "/");
      },
-     {"--json", "--deadline", "15"}, 0, 15, 0, 1, 2, 0, false},
+     {"--json", "--deadline", "15"},
+     0,
+     15,
+     0,
+     1,
+     2,
+     0,
+     false},
 };
 
 // Failures name the case instead of dumping its bytes.

@@ -125,8 +125,7 @@ TEST(EstimateOutput, ProgressOnlyWhenStderrIsATerminal) {
     bool terminal;
     std::vector<std::string> options;
   };
-  const Case cases[] = {
-      {false, {}}, {false, {"--json"}}, {true, {}}, {true, {"--json"}}};
+  const Case cases[] = {{false, {}}, {false, {"--json"}}, {true, {}}, {true, {"--json"}}};
   for (const auto& c : cases) {
     SmallSite site;
     ASSERT_TRUE(site.http.Start());

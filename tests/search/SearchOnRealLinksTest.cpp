@@ -47,7 +47,8 @@ TEST(SearchOnRealLinks, LevelByLevelMatchAgreesWithComposedKeys) {
         const OrvWebPageUrl& record = *searcher.urls.items[i];
         searcher.ComposeKey(record, composed);
         bool equal = (composed == key) != 0;
-        ASSERT_EQ(searcher.HasKey(record, key, work), equal) << texts[e] << " / " << texts[size_t(i)];
+        ASSERT_EQ(searcher.HasKey(record, key, work), equal)
+            << texts[e] << " / " << texts[size_t(i)];
         matches += equal;
       }
     }

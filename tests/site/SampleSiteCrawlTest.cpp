@@ -27,7 +27,8 @@ long long CrawlOverHttp(const SampleSite& site, long long limit) {
     if (html.rfind("<!DOCTYPE html>", 0) != 0) continue;
     ++pages;
     for (const std::string& href : Hrefs(html))
-      if (href.size() && href[0] == '/' && (href.size() == 1 || href[1] != '/') && seen.insert(href).second)
+      if (href.size() && href[0] == '/' && (href.size() == 1 || href[1] != '/') &&
+          seen.insert(href).second)
         queue.push_back(href);
   }
   return pages;
@@ -52,9 +53,12 @@ TEST(SampleSiteCrawl, ArticlesCarryLongTextAndNavigationPagesDoNot) {
     const char* path;
     bool article;
   };
-  const std::vector<Case> cases = {{"/", false},           {"/story?id=3", true},
-                                   {"/post?pid=2", true},  {"/product?sku=1", true},
-                                   {"/help?topic=2", false}, {"/news?page=1", false},
+  const std::vector<Case> cases = {{"/", false},
+                                   {"/story?id=3", true},
+                                   {"/post?pid=2", true},
+                                   {"/product?sku=1", true},
+                                   {"/help?topic=2", false},
+                                   {"/news?page=1", false},
                                    {"/tag?name=river", false}};
   SampleSite site({"--pages", "600"});
   ASSERT_TRUE(site.Ok()) << site.Error();
@@ -64,7 +68,8 @@ TEST(SampleSiteCrawl, ArticlesCarryLongTextAndNavigationPagesDoNot) {
     Page page = Get(site.Url(c.path));
     ASSERT_EQ(page.status, ORV_HTTP_OK);
     int longOnes = 0;
-    for (std::sregex_iterator it(page.body.begin(), page.body.end(), paragraph), end; it != end; ++it)
+    for (std::sregex_iterator it(page.body.begin(), page.body.end(), paragraph), end; it != end;
+         ++it)
       longOnes += (*it)[1].length() >= 200;
     if (c.article)
       EXPECT_GE(longOnes, 2);

@@ -116,8 +116,13 @@ TEST(SampleSite, ListingsEndAsTheirProfilesSay) {
 }
 
 TEST(SampleSite, SameSeedSameSiteOtherSeedOtherText) {
-  const std::vector<std::string> paths = {"/", "/story?id=7", "/news?page=3", "/blog?start=40",
-                                          "/shop?cat=2&page=1", "/tag?name=river", "/product?sku=5"};
+  const std::vector<std::string> paths = {"/",
+                                          "/story?id=7",
+                                          "/news?page=3",
+                                          "/blog?start=40",
+                                          "/shop?cat=2&page=1",
+                                          "/tag?name=river",
+                                          "/product?sku=5"};
   SampleSite a({"--seed", "42", "--pages", "2000"});
   SampleSite b({"--seed", "42", "--pages", "2000"});
   SampleSite c({"--seed", "43", "--pages", "2000"});
@@ -137,8 +142,12 @@ TEST(SampleSite, SameSeedSameSiteOtherSeedOtherText) {
 TEST(SampleSite, TheLogHasOneLinePerRequestInOrder) {
   SampleSite site({"--profile", "fail5"});
   ASSERT_TRUE(site.Ok()) << site.Error();
-  const std::vector<std::string> targets = {"/", "/list?page=100", "/list?page=50", "/list?page=4",
-                                            "/list?page=4", "/nothing%20here?a=&b"};
+  const std::vector<std::string> targets = {"/",
+                                            "/list?page=100",
+                                            "/list?page=50",
+                                            "/list?page=4",
+                                            "/list?page=4",
+                                            "/nothing%20here?a=&b"};
   for (const std::string& target : targets) Get(site.Url(target));
   EXPECT_EQ(site.LogLines(), targets);
   site.ClearLog();
@@ -157,8 +166,8 @@ TEST(SampleSite, BadOptionsAndHostileRequests) {
   std::string manyParams = "/list?";
   for (int i = 0; i < 2000; ++i) manyParams += "p" + std::to_string(i) + "=1&";
   const std::vector<std::string> targets = {
-      "/list?cat=%zz&page=%", "/" + std::string(4000, 'a'), manyParams, "/list?=&&&=1",
-      "/article?id=99999999999999999999", "/%00%ff?%00=%00"};
+      "/list?cat=%zz&page=%", "/" + std::string(4000, 'a'),       manyParams,
+      "/list?=&&&=1",         "/article?id=99999999999999999999", "/%00%ff?%00=%00"};
   for (const std::string& target : targets) {
     Page page = Get(site.Url(target));
     EXPECT_NE(page.status, ORV_HTTP_OK) << target.substr(0, 60);

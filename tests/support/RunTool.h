@@ -14,17 +14,17 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <chrono>
+#include <cstdio>
 #include <string>
 #include <vector>
 
 extern char** environ;
 
 struct ToolRun {
-  int status = -1;        // exit status, or -1 when it did not exit normally
-  bool killed = false;    // still running at the limit, so it was killed
-  double seconds = 0;     // wall time until it ended or was killed
+  int status = -1;      // exit status, or -1 when it did not exit normally
+  bool killed = false;  // still running at the limit, so it was killed
+  double seconds = 0;   // wall time until it ended or was killed
   std::string out;
   std::string err;
 };

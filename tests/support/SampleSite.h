@@ -122,7 +122,8 @@ class SampleSite {
     auto until = std::chrono::steady_clock::now() + std::chrono::duration<double>(startSeconds);
     while (line.find('\n') == std::string::npos) {
       int left = int(std::chrono::duration_cast<std::chrono::milliseconds>(
-                         until - std::chrono::steady_clock::now()).count());
+                         until - std::chrono::steady_clock::now())
+                         .count());
       pollfd ready{out, POLLIN, 0};
       if (left <= 0 || poll(&ready, 1, left) <= 0) {
         error = "no first line in time";

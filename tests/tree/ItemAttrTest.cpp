@@ -35,20 +35,14 @@ TEST(FindAttrByName, CaseBlindFirstMatch) {
     int expected;
   } cases[] = {
       {0, "class", 5, 1},  // capitals match, and the first of two wins
-      {0, "CLASS", -1, 1},
-      {0, "id", 2, 0},
-      {0, "classes", 5, 1},  // only the given length counts
-      {1, "class", 5, 0},
-      {2, "class", 5, -1},  // same length, a non-letter differs
-      {3, "href", 4, 0},
-      {3, "hre", 3, -1},
-      {4, "", 0, 0},
-      {4, nullptr, -1, 0},  // measured: length 0 matches the empty name only
-      {3, nullptr, -1, -1},
-      {4, "other", -1, 1},
-      {5, "class", 5, -1},  // no attributes at all
-      {6, "\xC9", 1, 0},
-      {6, "\xE9", 1, -1},  // non-ASCII letters do not fold
+      {0, "CLASS", -1, 1},  {0, "id", 2, 0},
+      {0, "classes", 5, 1},                       // only the given length counts
+      {1, "class", 5, 0},   {2, "class", 5, -1},  // same length, a non-letter differs
+      {3, "href", 4, 0},    {3, "hre", 3, -1},
+      {4, "", 0, 0},        {4, nullptr, -1, 0},  // measured: length 0 matches the empty name only
+      {3, nullptr, -1, -1}, {4, "other", -1, 1},
+      {5, "class", 5, -1},                       // no attributes at all
+      {6, "\xC9", 1, 0},    {6, "\xE9", 1, -1},  // non-ASCII letters do not fold
   };
   for (const Case& c : cases) {
     var_attr* head = t[c.item]->attr_list;
@@ -104,21 +98,17 @@ TEST(IsEqualAttr, TrimmedCaseBlindValues) {
     const var_attr* y;
     bool equal;
   } cases[] = {
-      {nullptr, nullptr, true},
-      {nullptr, row, false},
-      {row, nullptr, false},
-      {row, rowBlank, true},
-      {row, capRow, true},
-      {row, rowTab, false},   // a tab is not trimmed
+      {nullptr, nullptr, true},  {nullptr, row, false},
+      {row, nullptr, false},     {row, rowBlank, true},
+      {row, capRow, true},       {row, rowTab, false},  // a tab is not trimmed
       {blanks, empty, true},  // blanks only and empty: both empty once trimmed
       {row, idRow, false},    // same value, other name
-      {row, empty, false},
-      {a, a->next, true},
+      {row, empty, false},       {a, a->next, true},
       {a, a->next->next, false},  // "Row Item" against "row"
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(IsEqualAttr(c.x, c.y), c.equal) << (c.x ? c.x->value : "(null)") << " / "
-                                               << (c.y ? c.y->value : "(null)");
+    EXPECT_EQ(IsEqualAttr(c.x, c.y), c.equal)
+        << (c.x ? c.x->value : "(null)") << " / " << (c.y ? c.y->value : "(null)");
   }
   // Values with inner blanks stay compared whole.
   var_attr inner = *a;

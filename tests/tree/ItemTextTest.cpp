@@ -34,17 +34,12 @@ TEST(MeasuredLen, StoredOrMeasured) {
     int32_t length;
     int32_t expected;
   } cases[] = {
-      {"abc", 3, 3},
-      {"abc", 1, 1},
-      {"abc", 0, 0},
-      {"abc", -1, 3},
-      {"ab\0c", -7, 2},
-      {nullptr, -1, 0},
-      {nullptr, 0, 0},
-      {"", -1, 0},
+      {"abc", 3, 3},    {"abc", 1, 1},    {"abc", 0, 0},   {"abc", -1, 3},
+      {"ab\0c", -7, 2}, {nullptr, -1, 0}, {nullptr, 0, 0}, {"", -1, 0},
   };
   for (const Case& c : cases) {
-    EXPECT_EQ(MeasuredLen(c.text, c.length), c.expected) << (c.text ? c.text : "(null)") << " " << c.length;
+    EXPECT_EQ(MeasuredLen(c.text, c.length), c.expected)
+        << (c.text ? c.text : "(null)") << " " << c.length;
   }
 }
 
@@ -89,8 +84,8 @@ TEST(CapsEqual, OnlyAsciiLettersFold) {
 TEST(TrimBlanks, OnlySpacesAtBothEnds) {
   struct Case {
     std::string text;
-    int32_t length;          // -2: take the text's size
-    ptrdiff_t expectStart;   // offset of the result from the old pointer
+    int32_t length;         // -2: take the text's size
+    ptrdiff_t expectStart;  // offset of the result from the old pointer
     std::string expected;
   } cases[] = {
       {"  ab c  ", -2, 2, "ab c"},
@@ -99,8 +94,8 @@ TEST(TrimBlanks, OnlySpacesAtBothEnds) {
       {"\nx\r", -2, 0, "\nx\r"},
       {"    ", -2, 4, ""},  // blanks only: the pointer stands at the old end
       {"", 0, 0, ""},
-      {"  abc  ", 3, 2, "a"},   // only the given length is looked at
-      {"  abc", -1, -1, ""},    // a negative length is not measured: empty, moved back
+      {"  abc  ", 3, 2, "a"},  // only the given length is looked at
+      {"  abc", -1, -1, ""},   // a negative length is not measured: empty, moved back
       {"  abc", -5, -5, ""},
       {"x", -2, 0, "x"},
       {" x", -2, 1, "x"},
@@ -132,15 +127,9 @@ TEST(CountNonBlank, BlankSetIsSpaceLineFeedTab) {
     int32_t length;
     int32_t expected;
   } cases[] = {
-      {"\r\n", 2, 1},
-      {" \t\n", 3, 0},
-      {"a b\tc\nd", 7, 4},
-      {"\f\v", 2, 2},
-      {"abc", 0, 0},
-      {"abc", -1, 0},  // below 1: not measured
-      {nullptr, -1, 0},
-      {"ab\0cd", 5, 5},
-      {"\xA0\xA0", 2, 2},
+      {"\r\n", 2, 1},   {" \t\n", 3, 0},  {"a b\tc\nd", 7, 4},
+      {"\f\v", 2, 2},   {"abc", 0, 0},    {"abc", -1, 0},  // below 1: not measured
+      {nullptr, -1, 0}, {"ab\0cd", 5, 5}, {"\xA0\xA0", 2, 2},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(CountNonBlank(c.text, c.length), c.expected) << c.length;

@@ -12,7 +12,8 @@ namespace {
 using Visits = std::vector<std::pair<std::string, int32_t>>;
 
 std::string Label(const var_item* item) {
-  if (item->tag_id == 0 && item->text) return std::string(item->text, static_cast<size_t>(item->text_len));
+  if (item->tag_id == 0 && item->text)
+    return std::string(item->text, static_cast<size_t>(item->text_len));
   return std::string(item->name, static_cast<size_t>(item->name_len));
 }
 
@@ -46,12 +47,35 @@ TEST(WalkItems, ParentsFirstSiblingsInOrder) {
     int32_t depth;
     Visits expected;
   } cases[] = {
-      {"html", 1,
-       {{"html", 1}, {"head", 2}, {"title", 3}, {"T", 4}, {"body", 2}, {"div", 3}, {"p", 4},
-        {"one", 5}, {"p", 4}, {"ul", 3}, {"li", 4}, {"a", 5}, {"link", 6}, {"tail", 1},
-        {"after", 2}, {"last", 1}}},
-      {"body", 7, {{"body", 7}, {"div", 8}, {"p", 9}, {"one", 10}, {"p", 9}, {"ul", 8},
-                   {"li", 9}, {"a", 10}, {"link", 11}}},
+      {"html",
+       1,
+       {{"html", 1},
+        {"head", 2},
+        {"title", 3},
+        {"T", 4},
+        {"body", 2},
+        {"div", 3},
+        {"p", 4},
+        {"one", 5},
+        {"p", 4},
+        {"ul", 3},
+        {"li", 4},
+        {"a", 5},
+        {"link", 6},
+        {"tail", 1},
+        {"after", 2},
+        {"last", 1}}},
+      {"body",
+       7,
+       {{"body", 7},
+        {"div", 8},
+        {"p", 9},
+        {"one", 10},
+        {"p", 9},
+        {"ul", 8},
+        {"li", 9},
+        {"a", 10},
+        {"link", 11}}},
       {"last", 1, {{"last", 1}}},
       {"tail", -1, {{"tail", -1}, {"after", 0}, {"last", -1}}},
       {"", 1, {}},
@@ -159,13 +183,9 @@ TEST(IsVisibleText, DirectParentAndNameDecide) {
     const char* label;
     bool visible;
   } cases[] = {
-      {"x", true},
-      {"s", false},
-      {"inside script", true},  // only the direct parent counts
-      {"st", false},
-      {"ti", false},
-      {"n", true},
-      {"  ", true},   // blanks are text all the same
+      {"x", true},    {"s", false},  {"inside script", true},  // only the direct parent counts
+      {"st", false},  {"ti", false}, {"n", true},
+      {"  ", true},    // blanks are text all the same
       {"top", false},  // no parent
   };
   for (const Case& c : cases) EXPECT_EQ(IsVisibleText(t.Find(c.label)), c.visible) << c.label;
@@ -183,8 +203,18 @@ TEST(IsVisibleText, DirectParentAndNameDecide) {
       {"other name", [](var_item* i) { i->name = const_cast<char*>("$tex!"); }, false},
       {"capital name", [](var_item* i) { i->name = const_cast<char*>("$TeXt"); }, true},
       {"measured name", [](var_item* i) { i->name_len = -1; }, true},
-      {"long name", [](var_item* i) { i->name = const_cast<char*>("$texts"); i->name_len = -1; }, false},
-      {"null name", [](var_item* i) { i->name = nullptr; i->name_len = -1; }, false},
+      {"long name",
+       [](var_item* i) {
+         i->name = const_cast<char*>("$texts");
+         i->name_len = -1;
+       },
+       false},
+      {"null name",
+       [](var_item* i) {
+         i->name = nullptr;
+         i->name_len = -1;
+       },
+       false},
   };
   for (const Change& c : changes) {
     var_item copy = *run;

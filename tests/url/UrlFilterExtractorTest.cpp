@@ -44,8 +44,8 @@ TEST(UrlFilterExtractor, KeysOfEachLevel) {
       {"http://site.test.mirror.test/-/a.pdf", kOn, "/\\S", "/", "^?", "test.mirror.test"},
       {"http://SITE.TEST/", kOff, "", kNoExt, "^?", "TEST"},
       // Only the first byte of a directory counts; bytes above 127 are "other".
-      {"http://h.site.test/2x/7/x9/_x/\xC3\xA9t\xC3\xA9/?id=1&page=2", kOn,
-       "/\\d/\\d/\\s/\\S/\\S", kNoExt, "?id;&page", "site.test"},
+      {"http://h.site.test/2x/7/x9/_x/\xC3\xA9t\xC3\xA9/?id=1&page=2", kOn, "/\\d/\\d/\\s/\\S/\\S",
+       kNoExt, "?id;&page", "site.test"},
       {"", kOn, "", kNoExt, "^?", ""},
   };
   OrvUrlFilterExtractor onSite, noDomain;
@@ -66,14 +66,22 @@ TEST(UrlFilterExtractor, KeysOfEachLevel) {
     std::string ext, key;
   };
   const ExtCase extensions[] = {
-      {"html", "/" + kRow1}, {"HTM", "/" + kRow1},  {"shtml", "/" + kRow1}, {"Php", "/" + kRow1},
-      {"jsp", "/" + kRow1},  {"js", "/" + kRow1},   {"css", "/" + kRow3},   {"CSS", "/" + kRow3},
-      {"jpg", "/" + kRow2},  {"PNG", "/" + kRow2},  {"ico", "/" + kRow2},   {"mp3", "/" + kRow4},
-      {"wma", "/" + kRow4},  {"flv", "/" + kRow5},  {"gif", "/" + kRow5},   {"h", "/" + kRow1},
-      {"p", "/" + kRow1},    {"sp", "/" + kRow1},   {"ht", "/" + kRow1},    {"ml", "/" + kRow1},
-      {"E", "/" + kRow1},    {"e", "/" + kRow1},    {"aspx", "/"},          {"htmlx", "/"},
-      {"pdf", "/"},          {"php5", "/"},         {"", kNoExt},           {"\\E,.", "/" + kRow1},
-      {"E)", "/" + kRow1},   {"ksp\\E)x", "/"},     {"\xC4\xB0", "/"},      {"(.flv\\E,.gif\\E)", "/" + kRow5},
+      {"html", "/" + kRow1},  {"HTM", "/" + kRow1},
+      {"shtml", "/" + kRow1}, {"Php", "/" + kRow1},
+      {"jsp", "/" + kRow1},   {"js", "/" + kRow1},
+      {"css", "/" + kRow3},   {"CSS", "/" + kRow3},
+      {"jpg", "/" + kRow2},   {"PNG", "/" + kRow2},
+      {"ico", "/" + kRow2},   {"mp3", "/" + kRow4},
+      {"wma", "/" + kRow4},   {"flv", "/" + kRow5},
+      {"gif", "/" + kRow5},   {"h", "/" + kRow1},
+      {"p", "/" + kRow1},     {"sp", "/" + kRow1},
+      {"ht", "/" + kRow1},    {"ml", "/" + kRow1},
+      {"E", "/" + kRow1},     {"e", "/" + kRow1},
+      {"aspx", "/"},          {"htmlx", "/"},
+      {"pdf", "/"},           {"php5", "/"},
+      {"", kNoExt},           {"\\E,.", "/" + kRow1},
+      {"E)", "/" + kRow1},    {"ksp\\E)x", "/"},
+      {"\xC4\xB0", "/"},      {"(.flv\\E,.gif\\E)", "/" + kRow5},
   };
   for (const auto& e : extensions) {
     OrvWebPageUrl url;
@@ -89,10 +97,17 @@ TEST(UrlFilterExtractor, HostTailAndClasses) {
     std::string tail;
   };
   const TailCase tails[] = {
-      {"web.site.test", -1, "site.test"}, {"site.test", -1, "test"}, {"h.test:80", -1, "test:80"},
-      {"localhost", -1, ""},              {".test", -1, "test"},     {"a.", -1, ""},
-      {"web.site.test", 3, ""},           {"web.site.test", 4, ""},  {"web.site.test", 6, "si"},
-      {std::string("ab\0.c", 5), 5, ""},  {"", -1, ""},
+      {"web.site.test", -1, "site.test"},
+      {"site.test", -1, "test"},
+      {"h.test:80", -1, "test:80"},
+      {"localhost", -1, ""},
+      {".test", -1, "test"},
+      {"a.", -1, ""},
+      {"web.site.test", 3, ""},
+      {"web.site.test", 4, ""},
+      {"web.site.test", 6, "si"},
+      {std::string("ab\0.c", 5), 5, ""},
+      {"", -1, ""},
   };
   for (const auto& t : tails) {
     OrvString tail("old", 3);
@@ -110,8 +125,8 @@ TEST(UrlFilterExtractor, HostTailAndClasses) {
     uint16_t cls;
   };
   const ClassCase classes[] = {
-      {"A", 1, 1},  {"z", 1, 1},  {"Zx", 2, 1}, {"0", 1, 2},   {"9a", 2, 2}, {"_", 1, 0},
-      {"@", 1, 0},  {"[", 1, 0},  {"`", 1, 0},  {"{", 1, 0},   {"/", 1, 0},  {":", 1, 0},
+      {"A", 1, 1},    {"z", 1, 1},   {"Zx", 2, 1},      {"0", 1, 2},    {"9a", 2, 2}, {"_", 1, 0},
+      {"@", 1, 0},    {"[", 1, 0},   {"`", 1, 0},       {"{", 1, 0},    {"/", 1, 0},  {":", 1, 0},
       {"\xE9", 1, 0}, {"a", 0, 255}, {nullptr, 3, 255}, {"a", -1, 255},
   };
   for (const auto& c : classes)

@@ -58,13 +58,15 @@ TEST(VisibleNodesHtml, BlocksOfParsedPages) {
        "<body>Intro<div><P CLASS=Row><i>a</i></P><p class=rOW><i>b</i></p></div>",
        {{"a", "b"}, {"a", "b", "Intro"}}},
       {"no class attribute, no block",
-       "<body>Intro<div><p><i>a</i></p><p><i>b</i></p></div>", {{"a", "b", "Intro"}}},
+       "<body>Intro<div><p><i>a</i></p><p><i>b</i></p></div>",
+       {{"a", "b", "Intro"}}},
       {"script, style and title text is not visible",
        "<title>T</title><body>Intro<div><p class=r><script>x()</script></p>"
        "<p class=r><style>p{}</style></p></div>",
        {{"Intro"}}},
       {"whitespace between tags makes no item",
-       "<body>Intro\n<div>\n  <p class=r>\n    <i>a</i>\n  </p>\n  <p class=r> <i>b</i> </p>\n</div>\n",
+       "<body>Intro\n<div>\n  <p class=r>\n    <i>a</i>\n  </p>\n  <p class=r> <i>b</i> "
+       "</p>\n</div>\n",
        {{"a", "b"}, {"a", "b", "Intro\n"}}},
       {"entities are decoded in the text handed out",
        "<body>Intro<div><p class=r><i>a &amp; b</i></p><p class=r><i>&lt;c&gt;</i></p></div>",

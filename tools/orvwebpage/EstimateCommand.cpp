@@ -95,8 +95,7 @@ int RunEstimate(const EstimateOptions& o) {
   OrvWebPageCountEstimate estimator;
   std::string url = o.url;
   long estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
-  double seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   int64_t requests = OrvHttpLimits::GetRequests();
   int64_t bytes = OrvHttpLimits::GetBytes();
   bool spent = OrvHttpLimits::IsSpent() != 0;
@@ -134,21 +133,18 @@ int RunEstimate(const EstimateOptions& o) {
 }  // namespace
 
 Command AddEstimateCommand(CLI::App& parent) {
-  auto* app = parent.add_subcommand(
-      "estimate", "Estimate how many pages a site holds, crawling it from URL");
+  auto* app = parent.add_subcommand("estimate",
+                                    "Estimate how many pages a site holds, crawling it from URL");
   auto o = std::make_shared<EstimateOptions>();
   app->add_option("URL", o->url, "entry URL of the site")->required();
-  app->add_option("--max-requests", o->maxRequests,
-                  "stop making requests after N of them")
+  app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
       ->check(CLI::PositiveNumber);
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
-  app->add_option("--deadline", o->deadline, "seconds the whole run may take")
-      ->check(kSeconds);
+  app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
       ->check(CLI::Range(0, INT32_MAX));
-  app->add_option("--user-agent", o->userAgent, "User-Agent header to send")
-      ->check(kHeaderText);
+  app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
   app->add_flag("--json", o->json, "print one JSON document: url, estimate, requests, seconds");
   return {app, [o] { return RunEstimate(*o); }};
 }

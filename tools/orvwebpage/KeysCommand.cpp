@@ -1,9 +1,8 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "JsonOutput.h"

@@ -1,9 +1,8 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "JsonOutput.h"
@@ -69,8 +68,9 @@ void PrintReadable(const TextClasses& classes) {
   for (size_t c = 0; c < classes.size(); c++) {
     const auto& texts = classes[c];
     bool page = c + 1 == classes.size();
-    std::cout << "\n" << (page ? std::string("page") : "block " + std::to_string(c)) << " ("
-              << texts.size() << (texts.size() == 1 ? " text)\n" : " texts)\n");
+    std::cout << "\n"
+              << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts.size()
+              << (texts.size() == 1 ? " text)\n" : " texts)\n");
     for (const auto& text : texts) std::cout << "  " << OneLine(text) << "\n";
   }
 }
@@ -92,7 +92,8 @@ int RunNodes(const NodesOptions& options) {
 Command AddNodesCommand(CLI::App& parent) {
   auto options = std::make_shared<NodesOptions>();
   CLI::App* app = parent.add_subcommand(
-      "nodes", "Sort the visible texts of a page into classes: one per repeated block, then the page");
+      "nodes",
+      "Sort the visible texts of a page into classes: one per repeated block, then the page");
   app->add_option("source", options->source, "Page: a file, - for stdin, or an http(s) URL")
       ->required();
   app->add_flag("--json", options->json, "Print one JSON document");

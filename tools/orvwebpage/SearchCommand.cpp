@@ -1,10 +1,9 @@
 #include <iostream>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <nlohmann/json.hpp>
 
 #include "Command.h"
 #include "JsonOutput.h"
@@ -60,8 +59,8 @@ void PrintSearchJson(const SearchResult& result) {
 
 void PrintReadable(const SearchResult& result, size_t searched) {
   std::cout << "key: " << result.key << "\n"
-            << result.found.size() << " of " << searched
-            << (searched == 1 ? " URL" : " URLs") << " found\n";
+            << result.found.size() << " of " << searched << (searched == 1 ? " URL" : " URLs")
+            << " found\n";
   for (const auto& url : result.found) std::cout << "  " << url << "\n";
 }
 

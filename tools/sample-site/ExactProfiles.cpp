@@ -83,7 +83,8 @@ class Example : public SiteProfile {
       AddLinks(page, "articles", articles);
       return page;
     }
-    if (int64_t id = IdOf(request, "/article", "id", 40)) return Article(seed, "/article", "id", id, 40);
+    if (int64_t id = IdOf(request, "/article", "id", 40))
+      return Article(seed, "/article", "id", id, 40);
     for (int cat = 1; cat <= 9; ++cat) {
       SiteListing listing = Category(cat);
       int n = listing.PageOf(request);
@@ -91,7 +92,8 @@ class Example : public SiteProfile {
       SitePage page = ListingPage(listing, n, "Category " + std::to_string(cat));
       std::vector<SiteLink> others;
       for (int other = 1; other <= 9; ++other)
-        if (other != cat) others.push_back({Category(other).Href(1), "Category " + std::to_string(other), "", ""});
+        if (other != cat)
+          others.push_back({Category(other).Href(1), "Category " + std::to_string(other), "", ""});
       AddLinks(page, "categories", others);
       return page;
     }
@@ -124,7 +126,8 @@ class Offsets : public SiteProfile {
       AddLinks(page, "menu", {{listing.Href(1), "All posts", "", ""}});
       return page;
     }
-    if (int64_t id = IdOf(request, "/post", "pid", 240)) return Article(seed, "/post", "pid", id, 240);
+    if (int64_t id = IdOf(request, "/post", "pid", 240))
+      return Article(seed, "/post", "pid", id, 240);
     int n = listing.PageOf(request);
     if (!n) return NotFound();
     SitePage page = PlainPage("Posts, page " + std::to_string(n));
@@ -183,7 +186,8 @@ class Shapes : public SiteProfile {
                 {"/story?sid=1", "A story", "", ""}});
       return page;
     }
-    if (int64_t id = IdOf(request, "/item", "id", 3)) return PlainPage("Item " + std::to_string(id));
+    if (int64_t id = IdOf(request, "/item", "id", 3))
+      return PlainPage("Item " + std::to_string(id));
     if (IdOf(request, "/gone", "ref", 2) == 2) return PlainPage("Found after all");
     if (IdOf(request, "/hub", "x", 1)) {
       SitePage page = PlainPage("Hub");
@@ -217,7 +221,9 @@ class Single : public SiteProfile {
 
 }  // namespace
 
-std::unique_ptr<SiteProfile> MakeExampleProfile(uint64_t seed) { return std::make_unique<Example>(seed); }
+std::unique_ptr<SiteProfile> MakeExampleProfile(uint64_t seed) {
+  return std::make_unique<Example>(seed);
+}
 
 // 13 pages; pages past 13 show page 13. True count 14.
 std::unique_ptr<SiteProfile> MakeLast13Profile(uint64_t) {
@@ -237,7 +243,11 @@ std::unique_ptr<SiteProfile> MakeWindowProfile(uint64_t) {
   return std::make_unique<OneListing>(listing);
 }
 
-std::unique_ptr<SiteProfile> MakeOffsetProfile(uint64_t seed) { return std::make_unique<Offsets>(seed); }
+std::unique_ptr<SiteProfile> MakeOffsetProfile(uint64_t seed) {
+  return std::make_unique<Offsets>(seed);
+}
 std::unique_ptr<SiteProfile> MakeNoCrawlProfile(uint64_t) { return std::make_unique<NoCrawl>(); }
-std::unique_ptr<SiteProfile> MakeShapesProfile(uint64_t seed) { return std::make_unique<Shapes>(seed); }
+std::unique_ptr<SiteProfile> MakeShapesProfile(uint64_t seed) {
+  return std::make_unique<Shapes>(seed);
+}
 std::unique_ptr<SiteProfile> MakeSingleProfile(uint64_t) { return std::make_unique<Single>(); }

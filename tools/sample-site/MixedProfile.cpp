@@ -15,13 +15,15 @@ namespace {
 
 constexpr int kCategories = 6;
 constexpr int kHelpTopics = 20;
-const char* const kTags[] = {"market", "river", "garden", "council", "station", "winter",
-                             "harbour", "museum", "village", "engine", "forest", "bridge",
-                             "school", "season", "island", "summer", "festival", "library",
-                             "mountain", "factory", "weather", "journey", "theatre", "railway"};
+const char* const kTags[] = {"market",   "river",   "garden",  "council", "station",  "winter",
+                             "harbour",  "museum",  "village", "engine",  "forest",   "bridge",
+                             "school",   "season",  "island",  "summer",  "festival", "library",
+                             "mountain", "factory", "weather", "journey", "theatre",  "railway"};
 constexpr int kTagCount = sizeof(kTags) / sizeof(kTags[0]);
 
-int64_t PagesFor(int64_t items, int64_t perPage) { return std::max<int64_t>(1, (items + perPage - 1) / perPage); }
+int64_t PagesFor(int64_t items, int64_t perPage) {
+  return std::max<int64_t>(1, (items + perPage - 1) / perPage);
+}
 
 class Mixed : public SiteProfile {
  public:
@@ -62,7 +64,8 @@ class Mixed : public SiteProfile {
       shop.path = "/shop";
       shop.fixed = {{"cat", std::to_string(c + 1)}};
       shop.pages = int(PagesFor(std::max<int64_t>(count, 1), 24));
-      shop.pager = shop.pages <= 12 ? SiteListing::PagerKind::All : SiteListing::PagerKind::WindowWithEnds;
+      shop.pager =
+          shop.pages <= 12 ? SiteListing::PagerKind::All : SiteListing::PagerKind::WindowWithEnds;
       shop.window = 2;
       shop.pagerClass = "pagination";
       shop.linkClass = "pg";
@@ -93,7 +96,8 @@ class Mixed : public SiteProfile {
     int64_t id = ParseCount(r.Param(name));
     return id >= 1 && id <= count ? id : 0;
   }
-  static SiteLink Link(const std::string& href, const std::string& label, const std::string& note = "") {
+  static SiteLink Link(const std::string& href, const std::string& label,
+                       const std::string& note = "") {
     return {href, label, "", note};
   }
   static std::string StoryHref(int64_t id) { return "/story?id=" + std::to_string(id); }
@@ -122,7 +126,8 @@ class Mixed : public SiteProfile {
   SitePage Static(const std::string& path) const {
     if (path == "/static/site.js" || path == "/static/comments.js")
       return Resource("application/javascript", "document.documentElement.className = 'js';\n");
-    if (path == "/feed.php") return Resource("application/rss+xml", "<rss version=\"2.0\"></rss>\n");
+    if (path == "/feed.php")
+      return Resource("application/rss+xml", "<rss version=\"2.0\"></rss>\n");
     if (path.rfind("/files/", 0) == 0 && path.size() > 11 && path.substr(path.size() - 4) == ".pdf")
       return Resource("application/pdf", "%PDF-1.4\n%%EOF\n");
     if (path == "/about.html" || path == "/contact.htm") {
@@ -141,7 +146,8 @@ class Mixed : public SiteProfile {
       sections.push_back(Link(shops[c].Href(1), "Shop section " + std::string(1, char('A' + c))));
     AddLinks(page, "sections", sections);
     std::vector<SiteLink> latest;
-    for (int64_t id = 1; id <= std::min<int64_t>(8, stories); ++id) latest.push_back(Link(StoryHref(id), StoryTitle(id)));
+    for (int64_t id = 1; id <= std::min<int64_t>(8, stories); ++id)
+      latest.push_back(Link(StoryHref(id), StoryTitle(id)));
     AddLinks(page, "latest", latest);
     std::vector<SiteLink> tags;
     for (int t = 0; t < kTagCount; t += 2) tags.push_back(Link(TagHref(t), kTags[t]));
@@ -154,7 +160,8 @@ class Mixed : public SiteProfile {
     SitePage page = PlainPage("News, page " + std::to_string(n));
     Frame(page);
     std::vector<SiteLink> items;
-    for (int64_t id = int64_t(n - 1) * 20 + 1; id <= std::min<int64_t>(int64_t(n) * 20, stories); ++id)
+    for (int64_t id = int64_t(n - 1) * 20 + 1; id <= std::min<int64_t>(int64_t(n) * 20, stories);
+         ++id)
       items.push_back(Link(StoryHref(id), StoryTitle(id), std::to_string(id % 28 + 1) + " May"));
     AddLinks(page, "items", items);
     page.blocks.push_back(news.Pager(n));
@@ -166,7 +173,8 @@ class Mixed : public SiteProfile {
     SitePage page = PlainPage("Blog");
     Frame(page);
     std::vector<SiteLink> items;
-    for (int64_t id = int64_t(n - 1) * 20 + 1; id <= std::min<int64_t>(int64_t(n) * 20, posts); ++id) {
+    for (int64_t id = int64_t(n - 1) * 20 + 1; id <= std::min<int64_t>(int64_t(n) * 20, posts);
+         ++id) {
       SiteRandom random(seed, 2, uint64_t(id));
       items.push_back(Link("/post?pid=" + std::to_string(id), SiteTitle(random, 4)));
     }
@@ -190,7 +198,8 @@ class Mixed : public SiteProfile {
     page.blocks.push_back(shops[c].Pager(n));
     std::vector<SiteLink> others;
     for (int o = 0; o < kCategories; ++o)
-      if (o != c) others.push_back(Link(shops[o].Href(1), "Section " + std::string(1, char('A' + o))));
+      if (o != c)
+        others.push_back(Link(shops[o].Href(1), "Section " + std::string(1, char('A' + o))));
     AddLinks(page, "sections", others);
     Footer(page);
     return page;
@@ -202,8 +211,10 @@ class Mixed : public SiteProfile {
     Frame(page);
     AddBody(page, random, int(random.Between(3, 6)));
     std::vector<SiteLink> related;
-    for (int i = 0; i < 3; ++i) related.push_back(Link(StoryHref(random.Between(1, stories)), "Related story"));
-    for (int i = 0; i < 3; ++i) related.push_back(Link(TagHref(int(random.Between(0, kTagCount - 1))), "Tag"));
+    for (int i = 0; i < 3; ++i)
+      related.push_back(Link(StoryHref(random.Between(1, stories)), "Related story"));
+    for (int i = 0; i < 3; ++i)
+      related.push_back(Link(TagHref(int(random.Between(0, kTagCount - 1))), "Tag"));
     related.push_back(Link("/files/story-" + std::to_string(id) + ".pdf", "Print version"));
     related.push_back(Link("http://source.example.test/wire/" + std::to_string(id), "Source"));
     AddLinks(page, "related", related);
@@ -217,8 +228,9 @@ class Mixed : public SiteProfile {
     Frame(page);
     page.scripts.push_back("/static/comments.js");
     AddBody(page, random, int(random.Between(2, 5)));
-    AddLinks(page, "more", {Link("/post?pid=" + std::to_string(random.Between(1, posts)), "Another post"),
-                            Link(blog.Href(1), "All posts")});
+    AddLinks(page, "more",
+             {Link("/post?pid=" + std::to_string(random.Between(1, posts)), "Another post"),
+              Link(blog.Href(1), "All posts")});
     Footer(page);
     return page;
   }
@@ -230,8 +242,9 @@ class Mixed : public SiteProfile {
     AddBody(page, random, 2);
     int c = 0;
     while (c + 1 < kCategories && sku >= firstSku[c + 1]) ++c;
-    AddLinks(page, "more", {Link(shops[c].Href(1), "Back to the section"),
-                            Link("/files/sheet-" + std::to_string(sku) + ".pdf", "Data sheet")});
+    AddLinks(page, "more",
+             {Link(shops[c].Href(1), "Back to the section"),
+              Link("/files/sheet-" + std::to_string(sku) + ".pdf", "Data sheet")});
     Footer(page);
     return page;
   }
@@ -260,7 +273,8 @@ class Mixed : public SiteProfile {
     AddNote(page, "Short answers to common questions.");
     std::vector<SiteLink> topics;
     for (int64_t o = 1; o <= kHelpTopics; ++o)
-      if (o != topic) topics.push_back(Link("/help?topic=" + std::to_string(o), "Topic " + std::to_string(o)));
+      if (o != topic)
+        topics.push_back(Link("/help?topic=" + std::to_string(o), "Topic " + std::to_string(o)));
     AddLinks(page, "topics", topics);
     Footer(page);
     return page;

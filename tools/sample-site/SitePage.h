@@ -10,19 +10,19 @@
 // and what the server sends never disagree.
 
 struct SiteLink {
-  std::string href;   // empty: shown as plain text (the current page of a pager)
+  std::string href;  // empty: shown as plain text (the current page of a pager)
   std::string label;
-  std::string cls;    // class attribute; empty: none
-  std::string note;   // short text beside the link, outside it
+  std::string cls;   // class attribute; empty: none
+  std::string note;  // short text beside the link, outside it
 };
 
 enum class SiteBlockKind {
-  Heading,   // <h1>
-  Note,      // short <p>; plain pages hold only these
-  Body,      // long paragraphs side by side: what makes a page an article
-  Links,     // a list of links, one per item
-  Pager,     // a row of links labelled with page numbers
-  Entries,   // a list of short texts without links
+  Heading,  // <h1>
+  Note,     // short <p>; plain pages hold only these
+  Body,     // long paragraphs side by side: what makes a page an article
+  Links,    // a list of links, one per item
+  Pager,    // a row of links labelled with page numbers
+  Entries,  // a list of short texts without links
 };
 
 struct SiteBlock {

@@ -2,20 +2,32 @@
 
 const std::vector<SiteProfileInfo>& SiteProfiles() {
   static const std::vector<SiteProfileInfo> profiles = {
-      {"mixed", "default: news paged by number, a blog paged by offset, a shop, tags, help; --pages sets the size", true},
-      {"example", "\"/\" links a 13-page catalogue head (20 URLs a page) and 40 articles; 158 pages", false},
-      {"last13", "\"/\" links /list?page=1 of 13 pages; higher numbers show page 13; 14 pages", false},
+      {"mixed",
+       "default: news paged by number, a blog paged by offset, a shop, tags, help; --pages sets "
+       "the size",
+       true},
+      {"example",
+       "\"/\" links a 13-page catalogue head (20 URLs a page) and 40 articles; 158 pages", false},
+      {"last13", "\"/\" links /list?page=1 of 13 pages; higher numbers show page 13; 14 pages",
+       false},
       {"fail5", "\"/\" links /list?page=1 of 5 pages; 404 above 5; 6 pages", false},
-      {"window", "\"/\" links /list?page=1 of 300 pages, each linking the numbers within 3; 301 pages", false},
-      {"offset", "\"/\" links /list?start=0 of 12 pages by offsets of 20, 240 posts; 404 past the end; 253 pages", false},
+      {"window",
+       "\"/\" links /list?page=1 of 300 pages, each linking the numbers within 3; 301 pages",
+       false},
+      {"offset",
+       "\"/\" links /list?start=0 of 12 pages by offsets of 20, 240 posts; 404 past the end; 253 "
+       "pages",
+       false},
       {"nocrawl", "\"/\" is page 1 of 8 whose pager targets /list.php?page=N; 9 pages", false},
-      {"shapes", "\"/\" links 3 items, a 404, a hub and an article whose link leads further; 8 pages", false},
+      {"shapes",
+       "\"/\" links 3 items, a 404, a hub and an article whose link leads further; 8 pages", false},
       {"single", "\"/\" alone, without links; 1 page", false},
   };
   return profiles;
 }
 
-std::unique_ptr<SiteProfile> MakeSiteProfile(const std::string& name, uint64_t seed, int64_t pages) {
+std::unique_ptr<SiteProfile> MakeSiteProfile(const std::string& name, uint64_t seed,
+                                             int64_t pages) {
   if (name == "mixed") return MakeMixedProfile(seed, pages);
   if (name == "example") return MakeExampleProfile(seed);
   if (name == "last13") return MakeLast13Profile(seed);

@@ -5,11 +5,20 @@ namespace {
 void Escaped(std::string& out, const std::string& text) {
   for (char c : text) {
     switch (c) {
-      case '&': out += "&amp;"; break;
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
     }
   }
 }
@@ -115,7 +124,8 @@ std::string RenderPage(const SitePage& page) {
     Escaped(out, src);
     out += "\"></script>\n";
   }
-  out += "<style>body { font-family: sans-serif; }</style>\n</head>\n<body>\n<div class=\"page\">\n";
+  out +=
+      "<style>body { font-family: sans-serif; }</style>\n</head>\n<body>\n<div class=\"page\">\n";
   for (const SiteBlock& block : page.blocks) Block(out, block);
   out += "</div>\n</body>\n</html>\n";
   return out;

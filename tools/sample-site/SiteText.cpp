@@ -5,16 +5,17 @@
 namespace {
 
 const char* const kWords[] = {
-    "market", "river", "garden", "council", "station", "winter", "harbour", "museum",
-    "village", "engine", "letter", "window", "forest", "bridge", "school", "doctor",
-    "season", "island", "summer", "kitchen", "festival", "record", "signal", "library",
-    "mountain", "factory", "weather", "journey", "theatre", "orchard", "railway", "canal",
-    "report", "answer", "number", "result", "review", "design", "planet", "silver",
-    "quiet", "early", "bright", "narrow", "local", "public", "famous", "ancient",
-    "modern", "simple", "careful", "sudden", "gentle", "steady", "open", "long",
-    "builds", "opens", "closes", "follows", "reaches", "changes", "carries", "shows",
-    "finds", "keeps", "meets", "leaves", "brings", "turns", "holds", "moves",
-    "the", "a", "of", "in", "on", "for", "with", "near", "after", "before", "under", "over",
+    "market",   "river",   "garden",  "council", "station",  "winter",  "harbour", "museum",
+    "village",  "engine",  "letter",  "window",  "forest",   "bridge",  "school",  "doctor",
+    "season",   "island",  "summer",  "kitchen", "festival", "record",  "signal",  "library",
+    "mountain", "factory", "weather", "journey", "theatre",  "orchard", "railway", "canal",
+    "report",   "answer",  "number",  "result",  "review",   "design",  "planet",  "silver",
+    "quiet",    "early",   "bright",  "narrow",  "local",    "public",  "famous",  "ancient",
+    "modern",   "simple",  "careful", "sudden",  "gentle",   "steady",  "open",    "long",
+    "builds",   "opens",   "closes",  "follows", "reaches",  "changes", "carries", "shows",
+    "finds",    "keeps",   "meets",   "leaves",  "brings",   "turns",   "holds",   "moves",
+    "the",      "a",       "of",      "in",      "on",       "for",     "with",    "near",
+    "after",    "before",  "under",   "over",
 };
 constexpr int kWordCount = sizeof(kWords) / sizeof(kWords[0]);
 

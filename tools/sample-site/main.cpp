@@ -68,7 +68,8 @@ int main(int argc, char** argv) {
   std::string profileName = "mixed";
   std::string logPath;
   int64_t pages = 12000;
-  app.add_option("--port", port, "port to listen on; 0 picks a free one")->check(CLI::Range(0, 65535));
+  app.add_option("--port", port, "port to listen on; 0 picks a free one")
+      ->check(CLI::Range(0, 65535));
   app.add_option("--seed", seed, "seed of the generated content (same seed, same site)");
   std::vector<std::string> names;
   for (const SiteProfileInfo& info : SiteProfiles()) names.push_back(info.name);

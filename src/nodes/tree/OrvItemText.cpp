@@ -37,7 +37,8 @@ void TrimBlanks(const char*& text, int32_t& length) {
   if (length <= 0 || lead >= length) {
     // The pointer moves by the length even when that is negative; done on the
     // address so a stray length cannot make the arithmetic undefined.
-    uintptr_t at = reinterpret_cast<uintptr_t>(text) + static_cast<uintptr_t>(static_cast<intptr_t>(length));
+    uintptr_t at =
+        reinterpret_cast<uintptr_t>(text) + static_cast<uintptr_t>(static_cast<intptr_t>(length));
     text = reinterpret_cast<const char*>(at);
     length = 0;
     return;

@@ -26,8 +26,12 @@ int OrvBitsDoc::Build(char* text, long length, ORV_CHARSET charset) {
 
 OrvHtml::OrvHtml() = default;
 OrvHtml::~OrvHtml() = default;
-int OrvHtml::Open(char* text, long length, ORV_CHARSET charset) { return Build(text, length, charset); }
+int OrvHtml::Open(char* text, long length, ORV_CHARSET charset) {
+  return Build(text, length, charset);
+}
 
 OrvHtmlDoc::OrvHtmlDoc() = default;
 OrvHtmlDoc::~OrvHtmlDoc() = default;
-int OrvHtmlDoc::Open(char* text, long length, ORV_CHARSET charset) { return Build(text, length, charset); }
+int OrvHtmlDoc::Open(char* text, long length, ORV_CHARSET charset) {
+  return Build(text, length, charset);
+}

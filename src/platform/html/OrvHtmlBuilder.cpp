@@ -74,8 +74,8 @@ class TreeBuilder {
       runCapacity = grown;
     }
     if (keepBytes) {
-      runLength += OrvUtf8ToPageBytes(run + runLength, reinterpret_cast<const unsigned char*>(chars),
-                                      size_t(count));
+      runLength += OrvUtf8ToPageBytes(run + runLength,
+                                      reinterpret_cast<const unsigned char*>(chars), size_t(count));
     } else {
       std::memcpy(run + runLength, chars, size_t(count));
       runLength += size_t(count);
@@ -238,8 +238,8 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocA
   }
   TreeBuilder builder(arena, charset == ORV_CHARSET_BYTES);
   builder.ctxt = ctxt;
-  htmlCtxtUseOptions(ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING |
-                               HTML_PARSE_NONET);
+  htmlCtxtUseOptions(
+      ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET);
   ctxt->options |= XML_PARSE_HUGE;
   *ctxt->sax = MakeHandler();
   ctxt->userData = &builder;

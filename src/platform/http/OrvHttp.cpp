@@ -55,13 +55,15 @@ ORV_HTTP_STATUS StatusOf(CURLcode code, const OrvHttpSession& session) {
 void SetOptions(OrvHttpSession& session, const OrvHttpAdmission& admission) {
   CURL* curl = session.curl;
   const OrvHttpSettings& settings = admission.settings;
-  const char* agent = settings.userAgent[0] ? settings.userAgent : OrvHttpLimits::DefaultUserAgent();
+  const char* agent =
+      settings.userAgent[0] ? settings.userAgent : OrvHttpLimits::DefaultUserAgent();
   curl_easy_setopt(curl, CURLOPT_URL, session.url.buf);
   curl_easy_setopt(curl, CURLOPT_HTTPGET, 1L);
   curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(curl, CURLOPT_VERBOSE, 0L);
   curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(curl, CURLOPT_MAXREDIRS, long(settings.maxRedirects < 0 ? 0 : settings.maxRedirects));
+  curl_easy_setopt(curl, CURLOPT_MAXREDIRS,
+                   long(settings.maxRedirects < 0 ? 0 : settings.maxRedirects));
   curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(curl, CURLOPT_NOPROXY, "127.0.0.1,localhost,::1");
