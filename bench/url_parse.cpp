@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "estimate/OrvPageHarvest.h"
 
-#include "url/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
 
 OrvPageHarvest::OrvPageHarvest() {
   extensions.AddString("html", -1);

@@ -5,7 +5,7 @@
 #include "estimate/OrvKeyedList.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvString.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 // A link target with the place of its link element in the tree.
 struct OrvLinkRecord : OrvWebPageUrl {

@@ -4,7 +4,7 @@
 
 #include "core/OrvPtrList.h"
 #include "estimate/OrvPageHarvest.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 // How the URL of any page of a listing is made: the page parameter of a pager
 // link is step * (page - 1) + offset.

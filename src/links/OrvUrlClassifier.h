@@ -6,7 +6,7 @@
 #include "links/OrvUrlClassStore.h"
 #include "links/OrvWebPageLink.h"
 #include "orvwebpage/OrvString.h"
-#include "url/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
 
 // A list of links and its split by one URL level. The facade holds one that
 // lasts, with all links in the order they were added; classification makes a

@@ -2,7 +2,7 @@
 
 #include "core/OrvPtrList.h"
 #include "orvwebpage/OrvString.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 // One recorded link: the parsed URL plus what the caller gave with it. The
 // caller's value and label are stored and handed back, never looked into.

@@ -4,7 +4,7 @@
 
 #include "core/OrvMemory.h"
 #include "links/OrvUrlClassifier.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include "core/OrvGrowArray.h"
 #include "core/OrvPtrList.h"
 #include "orvwebpage/OrvString.h"
-#include "url/OrvUrlFilterExtractor.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 // The state behind OrvWebPageUrlsSearch. Stored records live in urlPool and
 // are parsed once, on AddUrl; shape keys are worked out at each search, so

@@ -1,4 +1,4 @@
-#include "url/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
 
 #include <cstring>
 

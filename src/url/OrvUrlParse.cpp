@@ -3,7 +3,7 @@
 
 #include "core/OrvByteMasks.h"
 #include "core/OrvGrowArray.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 // The text is read through byte positions instead of private copies that are
 // cut again and again; the pieces are the same. Parts end at the first NUL,

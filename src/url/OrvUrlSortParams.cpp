@@ -2,8 +2,8 @@
 #include <cstdint>
 
 #include "core/OrvMemory.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 #include "url/OrvExactQuickSort.h"
-#include "url/OrvWebPageUrl.h"
 
 // Long parameter lists are sorted through integer ranks: when all names
 // differ, any sort gives the one sorted order; otherwise the quicksort runs

@@ -1,4 +1,4 @@
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 #include <cstring>
 

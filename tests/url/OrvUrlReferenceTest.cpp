@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "UrlTestSupport.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "UrlTestSupport.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "url/OrvUrlFilterExtractor.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 inline std::string Str(const OrvString& s) { return s.buf ? std::string(s.buf, s.len) : ""; }
 

@@ -7,9 +7,9 @@
 #include "Command.h"
 #include "JsonOutput.h"
 #include "orvwebpage/OrvString.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
-#include "url/OrvUrlFilterExtractor.h"
-#include "url/OrvWebPageUrl.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Command.h"
-#include "url/OrvWebPageUrl.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 // orvwebpage url [--no-sort] [--json] URL...: the parsed record of each URL,
 // the text Rebuild writes from it, and its parameter names.
