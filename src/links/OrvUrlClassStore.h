@@ -22,8 +22,5 @@ class OrvUrlClassStore {
 
   // Forgets the snapshot of the map's order, so that the next read numbers
   // every class, also those added after an earlier read.
-  void DropFlat() {
-    OrvFreeBytes(classes.flat);
-    classes.flat = nullptr;
-  }
+  void DropFlat() { classes.DropFlat(); }
 };

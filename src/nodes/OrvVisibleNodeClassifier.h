@@ -4,8 +4,8 @@
 
 #include "core/OrvBlockPool.h"
 #include "core/OrvGrowArray.h"
+#include "core/OrvIntMap.h"
 #include "core/OrvPtrList.h"
-#include "nodes/OrvIntMap.h"
 #include "nodes/OrvPairSet.h"
 #include "orvwebpage/OrvItem.h"
 

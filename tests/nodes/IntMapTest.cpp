@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "nodes/OrvIntMap.h"
+#include "core/OrvIntMap.h"
 
 namespace {
 

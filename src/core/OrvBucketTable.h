@@ -1,0 +1,200 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+#include "core/OrvMemory.h"
+
+// The hash table under OrvStrMap and OrvIntMap: buckets of fixed entries
+// chosen by the low bits of a 32-bit spread, doubling only when a new key
+// falls into a full bucket, and a flat snapshot of all entries.
+//
+// The order of `flat` is a result callers act on: it follows the buckets by
+// index and, inside a bucket, the order that arrivals, growth, doublings and
+// removals leave. Every step below that moves an entry is therefore deliberate.
+// The typed faces say what a key is, how it spreads and how it matches.
+template <class Entry>
+class OrvBucketTable {
+  static_assert(std::is_trivially_copyable_v<Entry>, "entries are moved bytewise");
+
+ public:
+  // 32-bit counts: adversarial or aligned keys may crowd far more than 65,535
+  // entries into one bucket.
+  struct Bucket {
+    uint32_t capacity;
+    uint32_t used;
+    Entry* entries;
+  };
+
+  uint32_t count;
+  Bucket* buckets;
+  uint32_t bucketCount;
+  Entry** flat;  // flatCount long when built; see Flatten
+  int32_t bucketSize;
+
+  OrvBucketTable() : count(0), buckets(nullptr), bucketCount(0), flat(nullptr), bucketSize(16) {}
+  OrvBucketTable(const OrvBucketTable&) = delete;
+  OrvBucketTable& operator=(const OrvBucketTable&) = delete;
+
+  ~OrvBucketTable() {
+    for (uint32_t i = 0; i < bucketCount; i++) OrvFreeBytes(buckets[i].entries);
+    OrvFreeBytes(buckets);
+    OrvFreeBytes(flat);
+    FreeRetired();
+  }
+
+  // Buckets by rising index, entries by position. A snapshot: later Insert and
+  // Remove neither update nor drop it, and it stays readable until DropFlat or
+  // Clear.
+  int Flatten() {
+    if (flat || count == 0) return 0;
+    flat = static_cast<Entry**>(OrvAllocBytes(sizeof(Entry*) * count));
+    flatCount = 0;
+    for (uint32_t i = 0; i < bucketCount; i++)
+      for (uint32_t j = 0; j < buckets[i].used; j++) flat[flatCount++] = &buckets[i].entries[j];
+    return 1;
+  }
+
+  // Entry number index of the flat order, built if there is none; an index
+  // past the snapshot gives NULL rather than a read out of bounds.
+  Entry* FlatEntry(uint32_t index) {
+    Flatten();
+    return flat && index < flatCount ? flat[index] : nullptr;
+  }
+
+  void DropFlat() {
+    OrvFreeBytes(flat);
+    flat = nullptr;
+    flatCount = 0;
+    FreeRetired();
+  }
+
+  // Empties the table but keeps the buckets and their arrays.
+  void Clear() {
+    DropFlat();
+    for (uint32_t i = 0; i < bucketCount; i++) buckets[i].used = 0;
+    count = 0;
+  }
+
+ protected:
+  // A table of the library always has a bucket size of 16; anything below 4
+  // would make the quarter growth stall, so it is raised to 4.
+  uint32_t FreshCapacity() const { return bucketSize < 4 ? 4u : uint32_t(bucketSize); }
+
+  void FirstUse() {
+    bucketCount = 4;
+    buckets = static_cast<Bucket*>(OrvAllocBytes(sizeof(Bucket) * 4));
+    uint32_t capacity = FreshCapacity();
+    for (uint32_t i = 0; i < 4; i++) buckets[i] = Bucket{capacity, 0, NewEntries(capacity)};
+  }
+
+  Bucket* BucketOf(uint32_t spread) const {
+    return buckets ? &buckets[spread & (bucketCount - 1)] : nullptr;
+  }
+
+  template <class Match>
+  static Entry* Search(const Bucket* b, Match match) {
+    if (!b) return nullptr;
+    for (Entry *e = b->entries, *end = e + b->used; e != end; ++e)
+      if (match(*e)) return e;
+    return nullptr;
+  }
+
+  // The slot for a new key of that spread, counted, in the bucket it belongs
+  // to after any growth; spreadOf(entry) re-spreads entries when buckets double.
+  template <class SpreadOf>
+  Entry* AddEntry(uint32_t spread, SpreadOf spreadOf) {
+    if (!buckets) FirstUse();
+    count++;
+    Bucket* b = BucketOf(spread);
+    if (b->used >= b->capacity) {
+      if (uint64_t(count) < DoublingLimit() || bucketCount >= 0x80000000u) {
+        Grow(*b);
+      } else {
+        Double(spreadOf);
+        b = BucketOf(spread);
+        if (b->used >= b->capacity) Grow(*b);
+      }
+    }
+    return &b->entries[b->used++];
+  }
+
+  // The hole is filled by the bucket's last entry; `flat` is left alone.
+  void RemoveEntry(Bucket* b, Entry* e) {
+    b->used--;
+    uint32_t pos = uint32_t(e - b->entries);
+    if (pos != b->used) b->entries[pos] = b->entries[b->used];
+    count--;
+  }
+
+ private:
+  uint32_t flatCount = 0;
+  // Entry arrays replaced while a snapshot exists: `flat` may still point into
+  // them, so they live until the snapshot goes.
+  Entry** retired = nullptr;
+  uint32_t retiredCount = 0;
+  uint32_t retiredCapacity = 0;
+
+  uint64_t DoublingLimit() const { return uint64_t(FreshCapacity() / 4) * bucketCount * 3u; }
+
+  static Entry* NewEntries(uint32_t n) {
+    return static_cast<Entry*>(OrvAllocBytes(sizeof(Entry) * (n ? n : 1)));
+  }
+
+  // Capacities run 16, 20, 25, 31, 38, 47, 58, 72.
+  void Grow(Bucket& b) {
+    uint32_t step = b.capacity / 4;
+    uint64_t capacity = uint64_t(b.capacity) + (step ? step : 1);
+    if (capacity > UINT32_MAX) OrvOutOfMemory();
+    Entry* grown = NewEntries(uint32_t(capacity));
+    if (b.used) std::memcpy(static_cast<void*>(grown), b.entries, sizeof(Entry) * b.used);
+    Retire(b.entries);
+    b.entries = grown;
+    b.capacity = uint32_t(capacity);
+  }
+
+  // Low bucket i keeps its array; entries with bit n of their spread set go to
+  // bucket i + n, taken from the back, each hole filled by the low bucket's
+  // last entry.
+  template <class SpreadOf>
+  void Double(SpreadOf spreadOf) {
+    uint32_t n = bucketCount;
+    Bucket* old = buckets;
+    Bucket* grown = static_cast<Bucket*>(OrvAllocBytes(sizeof(Bucket) * 2 * size_t(n)));
+    for (uint32_t i = 0; i < n; i++) {
+      Bucket& lo = grown[i];
+      Bucket& hi = grown[i + n];
+      lo = old[i];
+      hi = Bucket{lo.capacity, 0, NewEntries(lo.capacity)};
+      for (uint32_t j = lo.used; j-- > 0;) {
+        if (!(spreadOf(lo.entries[j]) & n)) continue;
+        hi.entries[hi.used++] = lo.entries[j];
+        lo.used--;
+        if (j != lo.used) lo.entries[j] = lo.entries[lo.used];
+      }
+    }
+    buckets = grown;
+    bucketCount = 2 * n;
+    OrvFreeBytes(old);
+  }
+
+  void Retire(Entry* entries) {
+    if (!flat) {
+      OrvFreeBytes(entries);
+      return;
+    }
+    if (retiredCount == retiredCapacity) {
+      retiredCapacity = retiredCapacity ? retiredCapacity * 2 : 8;
+      retired = static_cast<Entry**>(OrvReallocBytes(retired, sizeof(Entry*) * retiredCapacity));
+    }
+    retired[retiredCount++] = entries;
+  }
+
+  void FreeRetired() {
+    for (uint32_t i = 0; i < retiredCount; i++) OrvFreeBytes(retired[i]);
+    OrvFreeBytes(retired);
+    retired = nullptr;
+    retiredCount = retiredCapacity = 0;
+  }
+};
