@@ -29,6 +29,4 @@ class ORV_API OrvWebPageCountEstimate {
 
  private:
   OrvWebPageCountEstimateImpl* estimator;
-
-  void Release();
 };

@@ -54,6 +54,4 @@ class ORV_API OrvWebPageUrls {
   OrvUrlFilterExtractor* extractor;
   OrvList<uint8_t>* enabledExtractors;
   OrvUrlClassStore* results;
-
-  void Release();
 };

@@ -41,6 +41,4 @@ class ORV_API OrvWebPageUrlsSearch {
 
  private:
   OrvUrlSearcher* searcher;
-
-  void Release();
 };

@@ -42,6 +42,4 @@ class ORV_API OrvWebPageVisibleNodes {
 
  private:
   OrvVisibleNodeClassifier* classifier;
-
-  void Release();
 };

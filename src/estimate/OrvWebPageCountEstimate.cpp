@@ -1,30 +1,25 @@
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
+#include <utility>
+
 #include "core/OrvMemory.h"
+#include "core/OrvShared.h"
 #include "estimate/OrvWebPageCountEstimateImpl.h"
 
 OrvWebPageCountEstimate::OrvWebPageCountEstimate()
     : estimator(OrvNew<OrvWebPageCountEstimateImpl>()) {}
 
 OrvWebPageCountEstimate::OrvWebPageCountEstimate(const OrvWebPageCountEstimate& other)
-    : estimator(other.estimator) {
-  if (estimator) estimator->references++;
-}
+    : estimator(OrvShare(other.estimator)) {}
 
-OrvWebPageCountEstimate::~OrvWebPageCountEstimate() { Release(); }
+OrvWebPageCountEstimate::~OrvWebPageCountEstimate() {
+  if (OrvLetGo(estimator)) OrvDelete(estimator);
+}
 
 OrvWebPageCountEstimate& OrvWebPageCountEstimate::operator=(const OrvWebPageCountEstimate& other) {
-  if (estimator == other.estimator) return *this;
-  OrvWebPageCountEstimateImpl* shared = other.estimator;
-  if (shared) shared->references++;
-  Release();
-  estimator = shared;
+  OrvWebPageCountEstimate copy(other);
+  std::swap(estimator, copy.estimator);
   return *this;
-}
-
-void OrvWebPageCountEstimate::Release() {
-  if (estimator && --estimator->references == 0) OrvDelete(estimator);
-  estimator = nullptr;
 }
 
 long OrvWebPageCountEstimate::EstimateCount(char* url, long length) {

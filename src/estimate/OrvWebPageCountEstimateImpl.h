@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "core/OrvBlockPool.h"
+#include "core/OrvShared.h"
 #include "core/OrvStrMap.h"
 #include "estimate/OrvPageHarvest.h"
 #include "estimate/OrvPageTemplate.h"
@@ -11,7 +12,7 @@
 
 // The estimator behind the exported facade: its harvest of the page in hand,
 // the text statistics of that page, and the distinct URLs to follow.
-class OrvWebPageCountEstimateImpl : public OrvPageHarvest {
+class OrvWebPageCountEstimateImpl : public OrvPageHarvest, public OrvShared {
  public:
   OrvKeyedList<OrvTextNode> textNodes;  // visible text outside links, by depth
   OrvStrMap<int32_t> textSums;          // non-blank bytes of that text, by depth
@@ -23,7 +24,6 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest {
   // orders nothing else.
   std::atomic<uint8_t> running{1};
   // Facades sharing this object.
-  int32_t references = 1;
 
   // Crawls from the URL and sums estimate times sightings over the shapes.
   long EstimateCount(const char* url, long length);

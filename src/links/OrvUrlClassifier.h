@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "core/OrvPtrList.h"
+#include "core/OrvShared.h"
 #include "links/OrvUrlClassStore.h"
 #include "links/OrvWebPageLink.h"
 #include "orvwebpage/OrvString.h"
@@ -12,15 +13,13 @@
 // lasts, with all links in the order they were added; classification makes a
 // short-lived one for each node of the class tree. The shared objects belong
 // to the facade.
-class OrvUrlClassifier {
+class OrvUrlClassifier : public OrvShared {
  public:
   OrvLinkList links;
   OrvUrlClassStore groups;
   OrvUrlFilterExtractor* extractor;
   OrvByteList* enabledExtractors;
   OrvUrlClassStore* results;
-  // Facades sharing this classifier and the three objects it points to.
-  uint32_t shares = 1;
 
   OrvUrlClassifier(OrvUrlFilterExtractor* extractor, OrvByteList* enabledExtractors,
                    OrvUrlClassStore* results)

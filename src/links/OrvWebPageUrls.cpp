@@ -1,8 +1,10 @@
 #include "orvwebpage/OrvWebPageUrls.h"
 
 #include <cstdint>
+#include <utility>
 
 #include "core/OrvMemory.h"
+#include "core/OrvShared.h"
 #include "links/OrvUrlClassifier.h"
 #include "orvwebpage/OrvWebPageUrl.h"
 
@@ -27,34 +29,29 @@ OrvWebPageUrls::OrvWebPageUrls() {
   classifier = OrvNew<OrvUrlClassifier>(extractor, enabledExtractors, results);
 }
 
+// The classifier carries the count for all four objects.
 OrvWebPageUrls::OrvWebPageUrls(const OrvWebPageUrls& other)
-    : classifier(other.classifier),
+    : classifier(OrvShare(other.classifier)),
       extractor(other.extractor),
       enabledExtractors(other.enabledExtractors),
-      results(other.results) {
-  classifier->shares++;
-}
+      results(other.results) {}
 
-OrvWebPageUrls::~OrvWebPageUrls() { Release(); }
-
-OrvWebPageUrls& OrvWebPageUrls::operator=(const OrvWebPageUrls& other) {
-  if (classifier == other.classifier) return *this;
-  other.classifier->shares++;
-  Release();
-  classifier = other.classifier;
-  extractor = other.extractor;
-  enabledExtractors = other.enabledExtractors;
-  results = other.results;
-  return *this;
-}
-
-void OrvWebPageUrls::Release() {
-  if (--classifier->shares != 0) return;
+OrvWebPageUrls::~OrvWebPageUrls() {
+  if (!OrvLetGo(classifier)) return;
   // The classifier's lists point into the records that results owns.
   OrvDelete(classifier);
   OrvDelete(results);
   OrvDelete(extractor);
   OrvDelete(enabledExtractors);
+}
+
+OrvWebPageUrls& OrvWebPageUrls::operator=(const OrvWebPageUrls& other) {
+  OrvWebPageUrls copy(other);
+  std::swap(classifier, copy.classifier);
+  std::swap(extractor, copy.extractor);
+  std::swap(enabledExtractors, copy.enabledExtractors);
+  std::swap(results, copy.results);
+  return *this;
 }
 
 int OrvWebPageUrls::SetEntryUrl(const OrvString& url) {

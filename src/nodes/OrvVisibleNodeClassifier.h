@@ -6,6 +6,7 @@
 #include "core/OrvGrowArray.h"
 #include "core/OrvIntMap.h"
 #include "core/OrvPtrList.h"
+#include "core/OrvShared.h"
 #include "nodes/OrvPairSet.h"
 #include "orvwebpage/OrvItem.h"
 
@@ -25,7 +26,7 @@ typedef bool (*OrvNodeTest)(var_item* item);
 // (`levels`) and by parent item (`children`, key 0 for the top level), holding
 // only the items that are visible or lead to one, each once. Records and lists
 // come from this object's own pools and live until Clear.
-class OrvVisibleNodeClassifier {
+class OrvVisibleNodeClassifier : public OrvShared {
  public:
   OrvNodeTest nodeTest;
   OrvIntMap<int32_t, OrvPtrList*> levels;
@@ -33,9 +34,6 @@ class OrvVisibleNodeClassifier {
   int32_t minDepth;
   int32_t maxDepth;
   OrvGrowArray<OrvPtrList> classes;  // classes.count is the class count
-
-  // Facades sharing this object.
-  int32_t references = 1;
 
   OrvVisibleNodeClassifier();
   virtual ~OrvVisibleNodeClassifier();

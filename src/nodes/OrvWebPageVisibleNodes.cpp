@@ -1,29 +1,24 @@
 #include "orvwebpage/OrvWebPageVisibleNodes.h"
 
+#include <utility>
+
 #include "core/OrvMemory.h"
+#include "core/OrvShared.h"
 #include "nodes/OrvVisibleNodeClassifier.h"
 
 OrvWebPageVisibleNodes::OrvWebPageVisibleNodes() : classifier(OrvNew<OrvVisibleNodeClassifier>()) {}
 
 OrvWebPageVisibleNodes::OrvWebPageVisibleNodes(const OrvWebPageVisibleNodes& other)
-    : classifier(other.classifier) {
-  if (classifier) classifier->references++;
-}
+    : classifier(OrvShare(other.classifier)) {}
 
-OrvWebPageVisibleNodes::~OrvWebPageVisibleNodes() { Release(); }
+OrvWebPageVisibleNodes::~OrvWebPageVisibleNodes() {
+  if (OrvLetGo(classifier)) OrvDelete(classifier);
+}
 
 OrvWebPageVisibleNodes& OrvWebPageVisibleNodes::operator=(const OrvWebPageVisibleNodes& other) {
-  if (classifier == other.classifier) return *this;
-  OrvVisibleNodeClassifier* shared = other.classifier;
-  if (shared) shared->references++;
-  Release();
-  classifier = shared;
+  OrvWebPageVisibleNodes copy(other);
+  std::swap(classifier, copy.classifier);
   return *this;
-}
-
-void OrvWebPageVisibleNodes::Release() {
-  if (classifier && --classifier->references == 0) OrvDelete(classifier);
-  classifier = nullptr;
 }
 
 int OrvWebPageVisibleNodes::ClassifyNodes(var_item* root) {

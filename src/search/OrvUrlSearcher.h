@@ -5,6 +5,7 @@
 #include "core/OrvBlockPool.h"
 #include "core/OrvGrowArray.h"
 #include "core/OrvPtrList.h"
+#include "core/OrvShared.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageUrl.h"
@@ -13,14 +14,13 @@
 // are parsed once, on AddUrl; shape keys are worked out at each search, so
 // the entry URL may come after the URLs. The members are destroyed in the
 // reverse of this order: found list, pool, stored list, extractor, entry URL.
-class OrvUrlSearcher {
+class OrvUrlSearcher : public OrvShared {
  public:
   OrvWebPageUrl entryUrl;
   OrvUrlFilterExtractor extractor;
   OrvGrowArray<OrvWebPageUrl*> urls;
   OrvBlockPool<OrvWebPageUrl> urlPool;
   OrvList<OrvWebPageUrl*> foundUrls;  // points into urlPool, owns nothing
-  uint32_t references = 1;            // facades sharing this object
   mutable OrvString scratch;          // a level key on its way into a composed key
 
   void SetEntryUrl(const OrvString& url);

@@ -1,29 +1,24 @@
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
 
+#include <utility>
+
 #include "core/OrvMemory.h"
+#include "core/OrvShared.h"
 #include "search/OrvUrlSearcher.h"
 
 OrvWebPageUrlsSearch::OrvWebPageUrlsSearch() : searcher(OrvNew<OrvUrlSearcher>()) {}
 
 OrvWebPageUrlsSearch::OrvWebPageUrlsSearch(const OrvWebPageUrlsSearch& other)
-    : searcher(other.searcher) {
-  if (searcher) searcher->references++;
-}
+    : searcher(OrvShare(other.searcher)) {}
 
-OrvWebPageUrlsSearch::~OrvWebPageUrlsSearch() { Release(); }
+OrvWebPageUrlsSearch::~OrvWebPageUrlsSearch() {
+  if (OrvLetGo(searcher)) OrvDelete(searcher);
+}
 
 OrvWebPageUrlsSearch& OrvWebPageUrlsSearch::operator=(const OrvWebPageUrlsSearch& other) {
-  if (searcher == other.searcher) return *this;
-  OrvUrlSearcher* shared = other.searcher;
-  if (shared) shared->references++;
-  Release();
-  searcher = shared;
+  OrvWebPageUrlsSearch copy(other);
+  std::swap(searcher, copy.searcher);
   return *this;
-}
-
-void OrvWebPageUrlsSearch::Release() {
-  if (searcher && --searcher->references == 0) OrvDelete(searcher);
-  searcher = nullptr;
 }
 
 void OrvWebPageUrlsSearch::SetEntryUrl(const OrvString& url) { searcher->SetEntryUrl(url); }
