@@ -46,6 +46,8 @@ class OrvVisibleNodeClassifier : public OrvShared {
   // Adds to what is there: a caller going on to another page clears first.
   void Classify(var_item* root);
 
+  void FindBlocks(OrvPtrList& blocks);
+  void MakeClasses(OrvPtrList& blocks);
   void CollectParents(OrvPtrList& parents, const OrvPtrList& level);
   void FindSimilarGroup(OrvPtrList& group, const OrvPtrList& list);
   static bool IsSimilarItem(var_item* a, var_item* b);

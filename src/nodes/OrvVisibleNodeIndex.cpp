@@ -18,17 +18,6 @@ inline int32_t Above(int32_t depth) {
 
 }  // namespace
 
-OrvVisibleNodeClassifier::OrvVisibleNodeClassifier()
-    : nodeTest(IsVisibleText), minDepth(65535), maxDepth(0) {}
-
-OrvVisibleNodeClassifier::~OrvVisibleNodeClassifier() {
-  Clear();
-  OrvFreeBytes(path);
-  OrvFreeBytes(likeSlots);
-  OrvFreeBytes(likeOf);
-  OrvFreeBytes(frames);
-}
-
 OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(int32_t depth, var_item* item) {
   OrvNodeRecord* record = recordPool.Alloc();
   record->depth = depth;
@@ -139,18 +128,4 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
 
   if (minDepth > depth) minDepth = depth;
   if (maxDepth < depth) maxDepth = depth;
-}
-
-void OrvVisibleNodeClassifier::Clear() {
-  levels.Clear();
-  children.Clear();
-  OrvDeleteArray(classes.items);
-  classes.items = nullptr;
-  classes.count = 0;
-  classes.capacity = 0;
-  listPool.FreeBlocks();
-  recordPool.FreeBlocks();
-  listed.Clear();
-  parentsListed.Clear();
-  setKept = false;
 }

@@ -1,5 +1,3 @@
-#include <utility>
-
 #include "core/OrvMemory.h"
 #include "nodes/OrvVisibleNodeClassifier.h"
 
@@ -13,21 +11,12 @@ inline uint64_t ItemKey(const var_item* item) {
 
 // Parents are examined from the depth below the shallowest visible item down
 // to the deepest, outermost first, and a parent that makes a block takes
-// everything below it out of the running.
-void OrvVisibleNodeClassifier::Classify(var_item* root) {
-  minDepth = 65535;
-  maxDepth = 0;
-  walkInOrder = !setKept && levels.count == 0 && children.count == 0;
-  topSeen = false;
-  WalkItems(root, 1, OnItem, this);
-  classifyInOrder = walkInOrder;
-  walkInOrder = false;
-
+// everything below it out of the running. Block classes are gathered in pool
+// lists and moved into `classes` in one step by MakeClasses, so that growing
+// the array never copies a class.
+void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
   OrvPtrList parents;
   OrvPtrList group;
-  // Block classes are gathered in pool lists and moved into `classes` in one
-  // step at the end, so that growing the array never copies a class.
-  OrvPtrList blocks;
   parentsListed.Clear();
   // A parent once examined would only be found again with the same outcome:
   // no list changes during the classification and keys only ever leave
@@ -54,30 +43,6 @@ void OrvVisibleNodeClassifier::Classify(var_item* root) {
     }
     examined = added;
   }
-
-  OrvPtrList* slots = classes.AddSlots(blocks.count + 1);
-  for (int32_t b = 0; b < blocks.count; b++) {
-    auto* block = static_cast<OrvPtrList*>(blocks.items[b]);
-    std::swap(slots[b].items, block->items);
-    std::swap(slots[b].capacity, block->capacity);
-    slots[b].count = block->count;
-    block->count = 0;
-  }
-  OrvPtrList* page = &slots[blocks.count];
-  page->count = 0;
-  levels.DropFlat();
-  levels.Flatten();
-  uint32_t entries = levels.flat ? levels.count : 0;
-  for (uint32_t e = 0; e < entries; e++) {
-    const OrvPtrList* list = levels.flat[e]->value;
-    for (int32_t r = 0; r < list->count; r++) {
-      auto* record = static_cast<OrvNodeRecord*>(list->items[r]);
-      if (nodeTest(record->item)) page->Add(record);
-    }
-  }
-  if (page->count == 0) classes.RemoveSlot(classes.count - 1);
-  parentsListed.Clear();
-  classifyInOrder = false;
 }
 
 // After a walk in order, each level lists its items in document order and
