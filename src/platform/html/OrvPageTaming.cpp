@@ -44,6 +44,40 @@ struct Cut {
   size_t to;
 };
 
+// Moves past one attribute's name and its value, quoted or bare.
+size_t SkipAttribute(const char* p, size_t n, size_t j) {
+  while (j < n && !IsBlank(p[j]) && p[j] != '>' && p[j] != '=') j++;
+  while (j < n && IsBlank(p[j])) j++;
+  if (j >= n || p[j] != '=') return j;
+  j++;
+  while (j < n && IsBlank(p[j])) j++;
+  if (j < n && (p[j] == '"' || p[j] == '\'')) {
+    const void* close = std::memchr(p + j + 1, p[j], n - j - 1);
+    return close ? size_t(static_cast<const char*>(close) - p) + 1 : n;
+  }
+  while (j < n && !IsBlank(p[j]) && p[j] != '>') j++;
+  return j;
+}
+
+// Scans a tag's attributes from j to its '>' (or the end of the page) and
+// returns where it stopped; cutFrom becomes the start of the first attribute
+// too many, if there is one.
+size_t ScanAttributes(const char* p, size_t n, size_t j, size_t& cutFrom) {
+  int attributes = 0;
+  while (j < n && p[j] != '>') {
+    char c = p[j];
+    if (IsBlank(c)) {
+      j++;
+    } else if (IsNameStart(c)) {
+      if (++attributes == OrvMaxAttributes + 1) cutFrom = j;
+      j = SkipAttribute(p, n, j);
+    } else {
+      while (j < n && !IsBlank(p[j]) && p[j] != '>') j++;
+    }
+  }
+  return j;
+}
+
 // Walks the tags of the page roughly as the parser will, skipping comments and
 // the bodies of script and style, and notes for every tag with too many
 // attributes the stretch from its first attribute too many to its end.
@@ -72,30 +106,8 @@ size_t FindCuts(const char* p, size_t n, Cut* cuts, size_t capacity) {
     size_t nameLength = j - name;
     bool raw = (nameLength == 6 && EqualsCaseBlind(p + name, "script", 6)) ||
                (nameLength == 5 && EqualsCaseBlind(p + name, "style", 5));
-    int attributes = 0;
     size_t cutFrom = 0;
-    while (j < n && p[j] != '>') {
-      char c = p[j];
-      if (IsBlank(c)) {
-        j++;
-      } else if (IsNameStart(c)) {
-        if (++attributes == OrvMaxAttributes + 1) cutFrom = j;
-        while (j < n && !IsBlank(p[j]) && p[j] != '>' && p[j] != '=') j++;
-        while (j < n && IsBlank(p[j])) j++;
-        if (j < n && p[j] == '=') {
-          j++;
-          while (j < n && IsBlank(p[j])) j++;
-          if (j < n && (p[j] == '"' || p[j] == '\'')) {
-            const void* close = std::memchr(p + j + 1, p[j], n - j - 1);
-            j = close ? size_t(static_cast<const char*>(close) - p) + 1 : n;
-          } else {
-            while (j < n && !IsBlank(p[j]) && p[j] != '>') j++;
-          }
-        }
-      } else {
-        while (j < n && !IsBlank(p[j]) && p[j] != '>') j++;
-      }
-    }
+    j = ScanAttributes(p, n, j, cutFrom);
     if (cutFrom) {
       if (found < capacity) cuts[found] = Cut{cutFrom, j};
       found++;
