@@ -26,3 +26,18 @@ void AddBody(SitePage& page, SiteRandom& random, int paragraphs) {
   for (int i = 0; i < paragraphs; ++i) body.texts.push_back(SiteParagraph(random, 240));
   page.blocks.push_back(std::move(body));
 }
+
+SitePage NotFound() {
+  SitePage page;
+  page.status = 404;
+  page.title = "Not found";
+  page.blocks.push_back({SiteBlockKind::Heading, "", {"Not found"}, {}});
+  return page;
+}
+
+SitePage Resource(const std::string& contentType, const std::string& body) {
+  SitePage page;
+  page.contentType = contentType;
+  page.raw = body.empty() ? std::string(" ") : body;
+  return page;
+}

@@ -7,6 +7,8 @@
 #include "SiteRandom.h"
 
 // Small steps that profiles put pages together with.
+SitePage NotFound();
+SitePage Resource(const std::string& contentType, const std::string& body);
 SitePage PlainPage(const std::string& title);
 void AddNote(SitePage& page, const std::string& text);
 void AddLinks(SitePage& page, const std::string& cls, std::vector<SiteLink> links);

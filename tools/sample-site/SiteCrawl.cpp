@@ -4,6 +4,8 @@
 #include <string>
 #include <unordered_set>
 
+#include "SiteRequest.h"
+
 namespace {
 
 // Links the site's own server answers: absolute paths, not "//host" ones.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "SitePage.h"
+#include "SiteRequest.h"
 
 // A paged listing: which URL each page has, which page a request asks for,
 // and the pager that each page shows.

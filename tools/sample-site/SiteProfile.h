@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "SitePage.h"
+#include "SiteRequest.h"
 
 // One kind of generated site. Serve answers any request target (path and
 // query, as sent) and must be safe to call from several threads at once.

@@ -40,75 +40,92 @@ void Anchor(std::string& out, const SiteLink& link) {
   out += "</a>";
 }
 
+// A short text in its own element: <h1> or a <p> that may carry a class.
+void TextBlock(std::string& out, const SiteBlock& block, const char* tag, bool withClass) {
+  out += '<';
+  out += tag;
+  if (withClass) ClassAttribute(out, block.cls);
+  out += '>';
+  Escaped(out, block.texts.empty() ? std::string() : block.texts[0]);
+  out += "</";
+  out += tag;
+  out += ">\n";
+}
+
+// Paragraphs one level deeper than notes, so short notes never dilute them.
+void BodyBlock(std::string& out, const SiteBlock& block) {
+  out += "<div class=\"body\">\n";
+  for (const std::string& text : block.texts) {
+    out += "<p>";
+    Escaped(out, text);
+    out += "</p>\n";
+  }
+  out += "</div>\n";
+}
+
+void EntriesBlock(std::string& out, const SiteBlock& block) {
+  out += "<ul";
+  ClassAttribute(out, block.cls);
+  out += ">\n";
+  for (const std::string& text : block.texts) {
+    out += "<li>";
+    Escaped(out, text);
+    out += "</li>\n";
+  }
+  out += "</ul>\n";
+}
+
+void LinksBlock(std::string& out, const SiteBlock& block) {
+  out += "<ul";
+  ClassAttribute(out, block.cls);
+  out += ">\n";
+  for (const SiteLink& link : block.links) {
+    out += "<li>";
+    Anchor(out, link);
+    if (!link.note.empty()) {
+      out += " <span>";
+      Escaped(out, link.note);
+      out += "</span>";
+    }
+    out += "</li>\n";
+  }
+  out += "</ul>\n";
+}
+
+// The current page of a pager is a span without a link.
+void PagerBlock(std::string& out, const SiteBlock& block) {
+  out += "<div";
+  ClassAttribute(out, block.cls);
+  out += ">\n";
+  for (const SiteLink& link : block.links) {
+    if (link.href.empty()) {
+      out += "<span";
+      ClassAttribute(out, link.cls);
+      out += '>';
+      Escaped(out, link.label);
+      out += "</span>\n";
+    } else {
+      Anchor(out, link);
+      out += '\n';
+    }
+  }
+  out += "</div>\n";
+}
+
 void Block(std::string& out, const SiteBlock& block) {
   switch (block.kind) {
     case SiteBlockKind::Heading:
-      out += "<h1>";
-      Escaped(out, block.texts.empty() ? std::string() : block.texts[0]);
-      out += "</h1>\n";
-      break;
+      return TextBlock(out, block, "h1", false);
     case SiteBlockKind::Note:
-      out += "<p";
-      ClassAttribute(out, block.cls);
-      out += '>';
-      Escaped(out, block.texts.empty() ? std::string() : block.texts[0]);
-      out += "</p>\n";
-      break;
+      return TextBlock(out, block, "p", true);
     case SiteBlockKind::Body:
-      // Paragraphs one level deeper than notes, so short notes never dilute them.
-      out += "<div class=\"body\">\n";
-      for (const std::string& text : block.texts) {
-        out += "<p>";
-        Escaped(out, text);
-        out += "</p>\n";
-      }
-      out += "</div>\n";
-      break;
+      return BodyBlock(out, block);
     case SiteBlockKind::Entries:
-      out += "<ul";
-      ClassAttribute(out, block.cls);
-      out += ">\n";
-      for (const std::string& text : block.texts) {
-        out += "<li>";
-        Escaped(out, text);
-        out += "</li>\n";
-      }
-      out += "</ul>\n";
-      break;
+      return EntriesBlock(out, block);
     case SiteBlockKind::Links:
-      out += "<ul";
-      ClassAttribute(out, block.cls);
-      out += ">\n";
-      for (const SiteLink& link : block.links) {
-        out += "<li>";
-        Anchor(out, link);
-        if (!link.note.empty()) {
-          out += " <span>";
-          Escaped(out, link.note);
-          out += "</span>";
-        }
-        out += "</li>\n";
-      }
-      out += "</ul>\n";
-      break;
+      return LinksBlock(out, block);
     case SiteBlockKind::Pager:
-      out += "<div";
-      ClassAttribute(out, block.cls);
-      out += ">\n";
-      for (const SiteLink& link : block.links) {
-        if (link.href.empty()) {
-          out += "<span";
-          ClassAttribute(out, link.cls);
-          out += '>';
-          Escaped(out, link.label);
-          out += "</span>\n";
-        } else {
-          Anchor(out, link);
-          out += '\n';
-        }
-      }
-      out += "</div>\n";
-      break;
+      return PagerBlock(out, block);
   }
 }
 

@@ -1,4 +1,4 @@
-#include "SitePage.h"
+#include "SiteRequest.h"
 
 namespace {
 
@@ -74,19 +74,4 @@ int64_t ParseCount(const std::string* text) {
     value = value * 10 + (c - '0');
   }
   return value <= 2147483647 ? value : -1;
-}
-
-SitePage NotFound() {
-  SitePage page;
-  page.status = 404;
-  page.title = "Not found";
-  page.blocks.push_back({SiteBlockKind::Heading, "", {"Not found"}, {}});
-  return page;
-}
-
-SitePage Resource(const std::string& contentType, const std::string& body) {
-  SitePage page;
-  page.contentType = contentType;
-  page.raw = body.empty() ? std::string(" ") : body;
-  return page;
 }

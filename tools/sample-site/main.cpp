@@ -13,6 +13,7 @@
 #include "SiteCrawl.h"
 #include "SiteProfile.h"
 #include "SiteRender.h"
+#include "SiteRequest.h"
 
 namespace {
 
@@ -59,40 +60,31 @@ class RequestLog {
   std::mutex lock;
 };
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  CLI::App app{"Serves a generated web site on 127.0.0.1."};
+struct SiteOptions {
   int port = 0;
   uint64_t seed = 1;
   std::string profileName = "mixed";
   std::string logPath;
   int64_t pages = 12000;
-  app.add_option("--port", port, "port to listen on; 0 picks a free one")
+};
+
+void AddOptions(CLI::App& app, SiteOptions& options) {
+  app.add_option("--port", options.port, "port to listen on; 0 picks a free one")
       ->check(CLI::Range(0, 65535));
-  app.add_option("--seed", seed, "seed of the generated content (same seed, same site)");
+  app.add_option("--seed", options.seed, "seed of the generated content (same seed, same site)");
   std::vector<std::string> names;
   for (const SiteProfileInfo& info : SiteProfiles()) names.push_back(info.name);
-  app.add_option("--profile", profileName, "kind of site, see below")->check(CLI::IsMember(names));
-  app.add_option("--log", logPath, "file that gets one line per request: its path and query");
-  app.add_option("--pages", pages, "about how many pages the mixed profile has")
+  app.add_option("--profile", options.profileName, "kind of site, see below")
+      ->check(CLI::IsMember(names));
+  app.add_option("--log", options.logPath,
+                 "file that gets one line per request: its path and query");
+  app.add_option("--pages", options.pages, "about how many pages the mixed profile has")
       ->check(CLI::Range(int64_t(1), int64_t(5000000)));
   app.footer(ProfileHelp());
-  CLI11_PARSE(app, argc, argv);
+}
 
-  std::unique_ptr<SiteProfile> profile = MakeSiteProfile(profileName, seed, pages);
-  if (!profile) {
-    std::fprintf(stderr, "unknown profile: %s\n", profileName.c_str());
-    return 2;
-  }
-  RequestLog log;
-  if (!logPath.empty() && !log.Open(logPath)) {
-    std::fprintf(stderr, "cannot write the log file %s\n", logPath.c_str());
-    return 1;
-  }
-  int64_t truePages = CountReachablePages(*profile);
-
-  // Signals go to one waiting thread, which stops the server in an orderly way.
+// Signals go to one waiting thread, which stops the server in an orderly way.
+sigset_t BlockStopSignals() {
   sigset_t stopSignals;
   sigemptyset(&stopSignals);
   sigaddset(&stopSignals, SIGINT);
@@ -100,6 +92,36 @@ int main(int argc, char** argv) {
   sigaddset(&stopSignals, SIGHUP);
   pthread_sigmask(SIG_BLOCK, &stopSignals, nullptr);
   signal(SIGPIPE, SIG_IGN);
+  return stopSignals;
+}
+
+// Binds to 127.0.0.1 (any free port for 0); the port bound, or -1.
+int Bind(httplib::Server& server, int port) {
+  if (port == 0) return server.bind_to_any_port("127.0.0.1");
+  return server.bind_to_port("127.0.0.1", port) ? port : -1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"Serves a generated web site on 127.0.0.1."};
+  SiteOptions options;
+  AddOptions(app, options);
+  CLI11_PARSE(app, argc, argv);
+
+  std::unique_ptr<SiteProfile> profile =
+      MakeSiteProfile(options.profileName, options.seed, options.pages);
+  if (!profile) {
+    std::fprintf(stderr, "unknown profile: %s\n", options.profileName.c_str());
+    return 2;
+  }
+  RequestLog log;
+  if (!options.logPath.empty() && !log.Open(options.logPath)) {
+    std::fprintf(stderr, "cannot write the log file %s\n", options.logPath.c_str());
+    return 1;
+  }
+  int64_t truePages = CountReachablePages(*profile);
+  sigset_t stopSignals = BlockStopSignals();
 
   httplib::Server server;
   server.set_keep_alive_max_count(1000);
@@ -112,13 +134,9 @@ int main(int argc, char** argv) {
     response.set_content(RenderPage(page), page.contentType.c_str());
   });
 
-  int bound = port;
-  if (port == 0)
-    bound = server.bind_to_any_port("127.0.0.1");
-  else if (!server.bind_to_port("127.0.0.1", port))
-    bound = -1;
+  int bound = Bind(server, options.port);
   if (bound <= 0) {
-    std::fprintf(stderr, "cannot listen on 127.0.0.1 port %d\n", port);
+    std::fprintf(stderr, "cannot listen on 127.0.0.1 port %d\n", options.port);
     return 1;
   }
   std::printf("http://127.0.0.1:%d/ %lld\n", bound, static_cast<long long>(truePages));

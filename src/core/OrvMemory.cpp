@@ -1,3 +1,0 @@
-#include "core/OrvMemory.h"
-
-void OrvOutOfMemory() { std::abort(); }
