@@ -10,16 +10,14 @@
 // All capacity elements are constructed; those behind count are spare slots
 // that keep their old contents.
 
-namespace OrvGrow {
-
-inline int32_t Capacity(int64_t wanted) {
+inline int32_t OrvGrowCapacity(int64_t wanted) {
   if (wanted > INT32_MAX) OrvOutOfMemory();
   return int32_t(wanted);
 }
 
 // Old elements are destroyed right after the copy, so they may be moved from.
 template <class T>
-void Resize(T*& items, int32_t count, int32_t newCapacity) {
+void OrvGrowResize(T*& items, int32_t count, int32_t newCapacity) {
   T* fresh = OrvNewArray<T>(size_t(newCapacity));
   for (int32_t i = 0; i < count; i++) fresh[i] = std::move(items[i]);
   OrvDeleteArray(items);
@@ -29,15 +27,15 @@ void Resize(T*& items, int32_t count, int32_t newCapacity) {
 // Grows while one spare slot is still free: capacities run 1, 2, 3, 4, 6, 8,
 // 11, 14, 18 from an empty array.
 template <class T>
-T* AddSlot(T*& items, int32_t& count, int32_t& capacity) {
+T* OrvGrowAddSlot(T*& items, int32_t& count, int32_t& capacity) {
   if (count + 1 >= capacity) {
     if (!items) {
       capacity = 1;
       items = OrvNewArray<T>(1);
       count = 0;
     } else {
-      int32_t grown = Capacity(int64_t(capacity) + capacity / 4 + 1);
-      Resize(items, count, grown);
+      int32_t grown = OrvGrowCapacity(int64_t(capacity) + capacity / 4 + 1);
+      OrvGrowResize(items, count, grown);
       capacity = grown;
     }
   }
@@ -46,16 +44,16 @@ T* AddSlot(T*& items, int32_t& count, int32_t& capacity) {
 }
 
 template <class T>
-T* AddSlots(T*& items, int32_t& count, int32_t& capacity, int32_t n) {
+T* OrvGrowAddSlots(T*& items, int32_t& count, int32_t& capacity, int32_t n) {
   if (n < 0) n = 0;
   if (int64_t(count) + n >= capacity) {
     if (!items) {
-      capacity = Capacity(int64_t(n) + n / 5);
+      capacity = OrvGrowCapacity(int64_t(n) + n / 5);
       items = OrvNewArray<T>(size_t(capacity));
       count = 0;
     } else {
-      int32_t grown = Capacity(int64_t(capacity) + capacity / 4 + n);
-      Resize(items, count, grown);
+      int32_t grown = OrvGrowCapacity(int64_t(capacity) + capacity / 4 + n);
+      OrvGrowResize(items, count, grown);
       capacity = grown;
     }
   }
@@ -66,14 +64,12 @@ T* AddSlots(T*& items, int32_t& count, int32_t& capacity, int32_t n) {
 
 // Fills the hole with the last element: order is not kept.
 template <class T>
-int RemoveSlot(T* items, int32_t& count, int32_t index) {
+int OrvGrowRemoveSlot(T* items, int32_t& count, int32_t index) {
   if (index < 0 || index >= count) return 0;
   count--;
   if (index != count) items[index] = items[count];
   return 1;
 }
-
-}  // namespace OrvGrow
 
 // Growable array of values; all-zero is the empty array.
 template <class T>
@@ -87,7 +83,7 @@ struct OrvGrowArray {
   OrvGrowArray& operator=(const OrvGrowArray&) = delete;
   ~OrvGrowArray() { OrvDeleteArray(items); }
 
-  T* AddSlot() { return OrvGrow::AddSlot(items, count, capacity); }
-  T* AddSlots(int32_t n) { return OrvGrow::AddSlots(items, count, capacity, n); }
-  int RemoveSlot(int32_t index) { return OrvGrow::RemoveSlot(items, count, index); }
+  T* AddSlot() { return OrvGrowAddSlot(items, count, capacity); }
+  T* AddSlots(int32_t n) { return OrvGrowAddSlots(items, count, capacity, n); }
+  int RemoveSlot(int32_t index) { return OrvGrowRemoveSlot(items, count, index); }
 };

@@ -8,7 +8,7 @@
 // Exhausted memory has no recovery path anywhere in the library, so every
 // allocation goes through here and ends the process instead of handing on NULL.
 
-[[noreturn]] void OrvOutOfMemory();
+[[noreturn]] inline void OrvOutOfMemory() { std::abort(); }
 
 inline void* OrvAllocBytes(std::size_t bytes) {
   void* p = std::malloc(bytes ? bytes : 1);

@@ -32,7 +32,7 @@ void AddPairs(const char* query, int32_t n, const QueryMasks& m, OrvUrlParam*& p
     int32_t amp = m.First(kAmp, pair, n);
     int32_t pairEnd = amp < 0 ? n : amp;
     if (pairEnd > pair) {
-      OrvUrlParam* p = OrvGrow::AddSlot(params, paramCount, paramCapacity);
+      OrvUrlParam* p = OrvGrowAddSlot(params, paramCount, paramCapacity);
       int32_t eq = m.First(kEquals, pair, pairEnd);
       p->name.CopyBuf(query + pair, (eq < 0 ? pairEnd : eq) - pair);
       p->name.ChangeToChar();

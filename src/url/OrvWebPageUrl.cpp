@@ -82,7 +82,7 @@ void OrvWebPageUrl::AssignParams(OrvUrlParam*& to, int32_t& toCount, int32_t& to
   if (fromCount < 0) fromCount = 0;
   if (toCapacity < fromCount) {
     OrvDeleteArray(to);
-    toCapacity = OrvGrow::Capacity(int64_t(fromCount) + 1);
+    toCapacity = OrvGrowCapacity(int64_t(fromCount) + 1);
     to = OrvNewArray<OrvUrlParam>(size_t(toCapacity));
   }
   toCount = fromCount;
