@@ -1,14 +1,17 @@
+#include <algorithm>
+#include <iterator>
+
 #include "orvwebpage/OrvSys.h"
 
 OrvClient::OrvClient() : clientWords{} {}
 
 OrvClient::OrvClient(const OrvClient& other) : OrvHandle(other) {
-  for (int i = 0; i < 6; i++) clientWords[i] = other.clientWords[i];
+  std::copy(std::begin(other.clientWords), std::end(other.clientWords), clientWords);
 }
 
 OrvClient& OrvClient::operator=(const OrvClient& other) {
   OrvHandle::operator=(other);
-  for (int i = 0; i < 6; i++) clientWords[i] = other.clientWords[i];
+  std::copy(std::begin(other.clientWords), std::end(other.clientWords), clientWords);
   return *this;
 }
 

@@ -1,13 +1,16 @@
+#include <algorithm>
+#include <iterator>
+
 #include "orvwebpage/OrvSys.h"
 
 OrvThreadPool::OrvThreadPool() : poolWords{} {}
 
 OrvThreadPool::OrvThreadPool(const OrvThreadPool& other) {
-  for (int i = 0; i < 4; i++) poolWords[i] = other.poolWords[i];
+  std::copy(std::begin(other.poolWords), std::end(other.poolWords), poolWords);
 }
 
 OrvThreadPool& OrvThreadPool::operator=(const OrvThreadPool& other) {
-  for (int i = 0; i < 4; i++) poolWords[i] = other.poolWords[i];
+  std::copy(std::begin(other.poolWords), std::end(other.poolWords), poolWords);
   return *this;
 }
 
@@ -16,12 +19,12 @@ OrvThreadPool::~OrvThreadPool() {}
 OrvParallelClient::OrvParallelClient() : parallelWords{} {}
 
 OrvParallelClient::OrvParallelClient(const OrvParallelClient& other) : OrvThreadPool(other) {
-  for (int i = 0; i < 3; i++) parallelWords[i] = other.parallelWords[i];
+  std::copy(std::begin(other.parallelWords), std::end(other.parallelWords), parallelWords);
 }
 
 OrvParallelClient& OrvParallelClient::operator=(const OrvParallelClient& other) {
   OrvThreadPool::operator=(other);
-  for (int i = 0; i < 3; i++) parallelWords[i] = other.parallelWords[i];
+  std::copy(std::begin(other.parallelWords), std::end(other.parallelWords), parallelWords);
   return *this;
 }
 
@@ -30,12 +33,12 @@ OrvParallelClient::~OrvParallelClient() {}
 OrvServer::OrvServer() : serverWords{} {}
 
 OrvServer::OrvServer(const OrvServer& other) : OrvThreadPool(other), serverText(other.serverText) {
-  for (int i = 0; i < 24; i++) serverWords[i] = other.serverWords[i];
+  std::copy(std::begin(other.serverWords), std::end(other.serverWords), serverWords);
 }
 
 OrvServer& OrvServer::operator=(const OrvServer& other) {
   OrvThreadPool::operator=(other);
-  for (int i = 0; i < 24; i++) serverWords[i] = other.serverWords[i];
+  std::copy(std::begin(other.serverWords), std::end(other.serverWords), serverWords);
   serverText = other.serverText;
   return *this;
 }

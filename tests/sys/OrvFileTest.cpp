@@ -25,7 +25,8 @@ TEST(OrvFile, WorksOnARealFile) {
   EXPECT_EQ(f.Write(const_cast<char*>("hello world"), 11, -1), 11u);
   EXPECT_EQ(f.Write(const_cast<char*>("HELLO"), 5, 0) + f.GetPos() + f.GetSize(), 21u);
   EXPECT_EQ(ReadAt(f, 100, 0), "HELLO world");
-  EXPECT_EQ(ReadAt(f, 5, -1), "");
+  EXPECT_EQ(ReadAt(f, 5, -1) + ReadAt(f, 1, -5), "");
+  EXPECT_EQ(f.GetPos(), 11);
   EXPECT_EQ(f.Seek(6), 6);
   EXPECT_EQ(ReadAt(f, 3, -1), "wor");
   EXPECT_EQ(ReadAt(f, 3, -1), "ld");
@@ -52,12 +53,13 @@ TEST(OrvFile, WorksOnARealFile) {
   EXPECT_EQ(f.SetFileTime(0, accessed, written, 0) + f.SetFileTime(0, 0, 0, 0), 2);
   uint64_t c = 0, a = 0, w = 0;
   EXPECT_EQ(f.GetFileTime(c, a, w, 0), 1);
-  EXPECT_EQ(a + 1, accessed + 1);
+  EXPECT_EQ(a, accessed);
   EXPECT_EQ(w, written);
   EXPECT_GT(c, 0u);
 
   EXPECT_EQ(f.Close(), 1);
   for (const ZeroCall& call : kZeroCalls) EXPECT_EQ(call.call(f), 0) << call.name;
+  EXPECT_EQ(f.GetPos(), 5);
 }
 
 TEST(OrvFile, OpensRegularFilesOnly) {
@@ -122,9 +124,10 @@ TEST(OrvFile, ExtensionIsTheLastPartBehindItsLastDot) {
   const char* rows[][2] = {
       {"a/b.txt", "txt"}, {"x.tar.gz", "gz"}, {".bashrc", ""}, {"/p/.hidden", ""},
       {"dir.d/file", ""}, {"noext", ""},      {"trail.", ""},  {"a/b..c", "c"},
+      {"abc.x", "x"},     {"ab", ""},  // the old name's bytes linger behind the new one
   };
+  OrvFile f;
   for (const auto& r : rows) {
-    OrvFile f;
     f.GetHandleName() = r[0];
     OrvString ext("old", -1);
     f.GetHandleExt(ext);

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "orvwebpage/OrvSys.h"
 #include "support/RunTool.h"
@@ -88,12 +90,25 @@ TEST(OrvServer, CopiesKeepStatePortAndTextOfTheirOwn) {
 }
 
 TEST(OrvSysSmallClasses, CopiesAreMemberWise) {
+  // A work directory longer than a first guess at its length, too.
+  char base[] = "/tmp/orv-sys-XXXXXX";
+  ASSERT_NE(mkdtemp(base), nullptr);
+  std::string deep = base;
+  for (int i = 0; i < 30; i++) ASSERT_EQ(mkdir((deep += "/directory-name").c_str(), 0700), 0);
   char cwd[4096];
   ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
-  OrvDirectory dir;
-  EXPECT_STREQ(dir.GetWorkDir().buf, cwd);
-  OrvDirectory dirCopy(dir);
+  const std::string before = cwd;
+  for (const std::string& where : {before, deep}) {
+    ASSERT_EQ(chdir(where.c_str()), 0);
+    OrvDirectory dir;
+    EXPECT_EQ(dir.GetWorkDir().buf, where);
+  }
+  ASSERT_EQ(chdir(before.c_str()), 0);
+  for (; deep.size() > sizeof base - 1; deep.resize(deep.rfind('/'))) rmdir(deep.c_str());
+  rmdir(base);
+  OrvDirectory dir, dirCopy(dir);
   dirCopy.GetWorkDir() = "elsewhere";
+  EXPECT_EQ(dir.GetWorkDir().buf, before);
   dir = dirCopy;
   EXPECT_STREQ(dir.GetWorkDir().buf, "elsewhere");
 
