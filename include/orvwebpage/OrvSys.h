@@ -78,10 +78,12 @@ class ORV_API OrvHandle {
 // not used); UnLoad takes back a view this object's Load gave, whatever size
 // says, and the destructor takes back any left. While views are out, the file
 // cannot be cut below them. Times are nanoseconds since 1970; "created" reads
-// as the status-change time and cannot be set; a 0 leaves that time alone.
+// as the status-change time and cannot be set; a 0 leaves that time alone; the
+// int is not used.
 //
 // A copy shares the descriptor. Close or destruction of one releases it for
 // both; the other then finds it is no longer its file and leaves it alone.
+// Assignment first closes the descriptor the target had, unless it is the same.
 class ORV_API OrvFile : public OrvHandle {
  public:
   OrvFile();
