@@ -20,8 +20,9 @@ struct ORVPARALLCLIENT;
 struct ORVSOCKCMD;
 class OrvStream;
 
-// 0 is the type that OrvFile::Seek passes.
-enum ORV_SEEK_TYPE { ORV_SEEK_BEGIN = 0, ORV_SEEK_CURRENT = 1, ORV_SEEK_END = 2 };
+// 0 is the type that OrvFile::Seek passes. Any other int is a legal value too
+// (and a failed seek), hence the fixed width.
+enum ORV_SEEK_TYPE : int32_t { ORV_SEEK_BEGIN = 0, ORV_SEEK_CURRENT = 1, ORV_SEEK_END = 2 };
 
 // Mode bits of OrvFile::Open. Neither READ nor WRITE opens for reading.
 enum ORV_FILE_MODE {
