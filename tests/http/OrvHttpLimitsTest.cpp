@@ -273,7 +273,8 @@ TEST_F(HttpTest, HostPatternsDecideWhichUrlsPass) {
   const std::vector<Case> cases = {
       {"", 1, "http://anything.test/", 1, ""},
       {"site.test", 1, "http://site.test/", 1, "site.test"},
-      {"Site.TEST", 1, "http://SITE.test:8080/x", 1, "site.test"},
+      {"ZED.Site.test", 1, "http://zed.SITE.TEST:8080/x", 1, "zed.site.test"},
+      {"site.test:65535", 1, "http://site.test:65535/", 1, nullptr},
       {"site.test", 1, "http://site.test./", 1, nullptr},
       {"site.test", 1, "site.test/page", 1, nullptr},
       {"site.test", 1, "http://www.site.test/", 0, nullptr},
@@ -303,6 +304,7 @@ TEST_F(HttpTest, HostPatternsDecideWhichUrlsPass) {
       {"a:0", 0, nullptr, 0, "keep.test"},
       {"a:65536", 0, nullptr, 0, "keep.test"},
       {"a:http", 0, nullptr, 0, "keep.test"},
+      {"a:b:80", 0, nullptr, 0, "keep.test"},
       {"a:", 0, nullptr, 0, "keep.test"},
       {"::1", 0, nullptr, 0, "keep.test"},
       {"*.[::1]", 0, nullptr, 0, "keep.test"},

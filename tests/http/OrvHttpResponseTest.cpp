@@ -83,6 +83,15 @@ class HttpResponseTest : public HttpTest {
     });
     s.Get("/loop",
           [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/loop"); });
+    // Only a 3xx other than 304 is a redirect, whatever headers come with it.
+    s.Get("/gone", [](const httplib::Request&, httplib::Response& res) {
+      res.status = 404;
+      res.set_header("Location", "/ok");
+    });
+    s.Get("/unchanged", [](const httplib::Request&, httplib::Response& res) {
+      res.status = 304;
+      res.set_header("Location", "/ok");
+    });
     // The same server under another host text.
     s.Get("/away", [this](const httplib::Request&, httplib::Response& res) {
       res.set_redirect(server.Url("/ok", "localhost"));
@@ -123,6 +132,8 @@ TEST_F(HttpResponseTest, StatusAndBodyFollowTheFinalResponse) {
       {"/broken", ORV_HTTP_NOT_2XX, 500, "", 1},
       {"/moved", ORV_HTTP_OK, 200, "hello", 2},
       {"/nowhere", ORV_HTTP_NOT_2XX, 404, "", 2},
+      {"/gone", ORV_HTTP_NOT_2XX, 404, "", 1},
+      {"/unchanged", ORV_HTTP_NOT_2XX, 304, "", 1},
       {"/away", ORV_HTTP_OK, 200, "hello", 2},
       {"/chain/10", ORV_HTTP_OK, 200, "end of chain", 11},
       {"/chain/11", ORV_HTTP_NETWORK, 302, "", 11},
