@@ -305,6 +305,8 @@ TEST_F(HttpTest, HostPatternsDecideWhichUrlsPass) {
       {"a:65536", 0, nullptr, 0, "keep.test"},
       {"a:http", 0, nullptr, 0, "keep.test"},
       {"a:b:80", 0, nullptr, 0, "keep.test"},
+      {"a:080", 0, nullptr, 0, "keep.test"},
+      {"[]", 0, nullptr, 0, "keep.test"},
       {"a:", 0, nullptr, 0, "keep.test"},
       {"::1", 0, nullptr, 0, "keep.test"},
       {"*.[::1]", 0, nullptr, 0, "keep.test"},
