@@ -16,6 +16,8 @@ enum ORV_HTTP_STATUS : int32_t {
   ORV_HTTP_TIMEOUT = 4,       // the request, its connect or a stalled transfer took too long
   ORV_HTTP_TOO_LARGE = 5,     // the body passed the size cap
   ORV_HTTP_BUDGET_SPENT = 6,  // request budget or run deadline spent; nothing was sent
+  ORV_HTTP_HOST_REFUSED =
+      7,  // the host is not one OrvHttpLimits::SetHosts allows; nothing was sent
 };
 
 enum ORV_HTTP_METHOD : int32_t {
@@ -36,6 +38,9 @@ class ORV_API OrvHttp {
   OrvHttp& operator=(const OrvHttp&) = delete;
 
   // GET of url (length bytes, -1 for NUL-terminated), following redirects.
+  // Every hop of a redirect chain is a request of its own to OrvHttpLimits:
+  // counted, spaced by the delay, and refused when the budget, the deadline or
+  // the allowed hosts say so; the chain shares one request timeout.
   ORV_HTTP_STATUS Run(char* url, long length, ORV_HTTP_METHOD method);
 
   // Replaces body with the body of the last response. Gives 1, or 0 with an

@@ -12,7 +12,7 @@ struct OrvHttpSettings {
   int64_t maxRequests = 0;  // requests allowed since the last ResetCounters; 0: no budget
   int64_t deadlineMs = 0;   // whole run, counted from the Set call; 0: none
   int32_t connectTimeoutMs = 10000;
-  int32_t requestTimeoutMs = 30000;  // per request, redirects included
+  int32_t requestTimeoutMs = 30000;  // per Run, redirects included
   int32_t delayMs = 0;               // least time between the starts of two requests
   int32_t stallSeconds = 10;         // a transfer slower than stallBytesPerSecond this long ends
   int32_t stallBytesPerSecond = 16;
@@ -44,7 +44,10 @@ class ORV_API OrvHttpLimits {
 
   // Starts a new budget: zero requests and bytes, no current URL.
   static void ResetCounters();
+  // Requests sent, each hop of a redirect chain included.
   static int64_t GetRequests();
+  // OrvHttp::Run calls that sent a request: a redirect chain is one fetch.
+  static int64_t GetFetches();
   static int64_t GetBytes();
   // The URL of the request in hand, or of the last one; empty before any.
   static void GetCurrentUrl(OrvString& url);
@@ -52,6 +55,18 @@ class ORV_API OrvHttpLimits {
   static int IsSpent();
 
   static void SetProgress(OrvHttpProgressFn progress, void* context);
+
+  // Confines requests, redirects included, to the hosts that patterns name:
+  // "site.test,*.site.test:8080" allows site.test on any port and every host
+  // below site.test on port 8080 (not site.test itself). A request to another
+  // host fails at once with ORV_HTTP_HOST_REFUSED and is not counted. Empty
+  // text allows every host, as after Reset. Gives 0, keeping the hosts in
+  // force, when a pattern is malformed.
+  static int SetHosts(const char* patterns, long length);
+  // The patterns in force, cleaned: lower case, a comma between two.
+  static void GetHosts(OrvString& patterns);
+  // 1 when a request to url would pass the hosts in force.
+  static int AllowsUrl(const char* url, long length);
 
   // The User-Agent sent when the settings name none.
   static const char* DefaultUserAgent();

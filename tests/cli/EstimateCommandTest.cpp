@@ -58,6 +58,10 @@ TEST(EstimateCommand, BadOptionsExitTwoWithOneLine) {
       {"deadline beyond any use", {"--deadline", "1e300", url}},
       {"user agent with a line break", {"--user-agent", "a\r\nX-Injected: 1", url}},
       {"user agent too long", {"--user-agent", std::string(300, 'a'), url}},
+      {"hosts with a path", {"--hosts", "site.test/x", url}},
+      {"hosts empty", {"--hosts", "", url}},
+      {"hosts with an empty pattern", {"--hosts", "site.test,,a.test", url}},
+      {"hosts with a bad port", {"--hosts", "site.test:99999", url}},
   };
   for (const auto& c : cases) {
     std::vector<std::string> args = {ToolPath("orvwebpage"), "estimate"};
@@ -75,6 +79,7 @@ TEST(EstimateCommand, UnreadableUrlExitsOneWithOneLine) {
       {"closed port", {closed}},
       {"closed port, json", {"--json", closed}},
       {"closed port, with limits", {"--max-requests", "3", "--timeout", "2", closed}},
+      {"entry outside --hosts", {"--hosts", "site.test,*.site.test", closed}},
       {"not a URL at all", {"::not a url::"}},
       {"empty URL", {""}},
       {"not HTTP", {"gopher://127.0.0.1:1/"}},

@@ -260,6 +260,72 @@ TEST_F(HttpLimitsTest, CountersAndProgressFollowEveryRequest) {
   EXPECT_EQ(OrvHttpLimits::GetBytes(), 0);
 }
 
+// A pattern without a port allows any port; "*." allows the hosts below a
+// domain but not the domain itself.
+TEST_F(HttpTest, HostPatternsDecideWhichUrlsPass) {
+  struct Case {
+    const char* patterns;
+    int taken;        // SetHosts' result; 0 keeps the patterns before
+    const char* url;  // with taken patterns: is it allowed?
+    int allowed;
+    const char* cleaned;  // GetHosts afterwards, when not NULL
+  };
+  const std::vector<Case> cases = {
+      {"", 1, "http://anything.test/", 1, ""},
+      {"site.test", 1, "http://site.test/", 1, "site.test"},
+      {"ZED.Site.test", 1, "http://zed.SITE.TEST:8080/x", 1, "zed.site.test"},
+      {"site.test:65535", 1, "http://site.test:65535/", 1, nullptr},
+      {"site.test", 1, "http://site.test./", 1, nullptr},
+      {"site.test", 1, "site.test/page", 1, nullptr},
+      {"site.test", 1, "http://www.site.test/", 0, nullptr},
+      {"site.test", 1, "http://site.test.evil.test/", 0, nullptr},
+      {"site.test", 1, "http://evil.test/?site.test", 0, nullptr},
+      {"site.test", 1, "http://site.test@evil.test/", 0, nullptr},
+      {"site.test", 1, "ftp://site.test/", 0, nullptr},
+      {"*.site.test", 1, "http://a.b.site.test/", 1, "*.site.test"},
+      {"*.site.test", 1, "http://site.test/", 0, nullptr},
+      {"*.site.test", 1, "http://badsite.test/", 0, nullptr},
+      {"*.site.test:8080", 1, "http://www.site.test:8080/", 1, "*.site.test:8080"},
+      {"*.site.test:8080", 1, "http://www.site.test/", 0, nullptr},
+      {"site.test:80", 1, "http://site.test/", 1, nullptr},
+      {"site.test:443", 1, "https://site.test/", 1, nullptr},
+      {"site.test:443", 1, "http://site.test/", 0, nullptr},
+      {" a.test ,127.0.0.1:8080 ", 1, "http://127.0.0.1:8080/", 1, "a.test,127.0.0.1:8080"},
+      {"127.0.0.1:8080", 1, "http://127.0.0.1:8081/", 0, nullptr},
+      {"[::1]:8080", 1, "http://[::1]:8080/", 1, "[::1]:8080"},
+      {"[::1]", 1, "http://127.0.0.1/", 0, nullptr},
+      {"a,,b", 0, nullptr, 0, "keep.test"},
+      {"a,", 0, nullptr, 0, "keep.test"},
+      {"*", 0, nullptr, 0, "keep.test"},
+      {"*.", 0, nullptr, 0, "keep.test"},
+      {"a*.test", 0, nullptr, 0, "keep.test"},
+      {"a/b", 0, nullptr, 0, "keep.test"},
+      {"a b", 0, nullptr, 0, "keep.test"},
+      {"a:0", 0, nullptr, 0, "keep.test"},
+      {"a:65536", 0, nullptr, 0, "keep.test"},
+      {"a:http", 0, nullptr, 0, "keep.test"},
+      {"a:b:80", 0, nullptr, 0, "keep.test"},
+      {"a:080", 0, nullptr, 0, "keep.test"},
+      {"[]", 0, nullptr, 0, "keep.test"},
+      {"a:", 0, nullptr, 0, "keep.test"},
+      {"::1", 0, nullptr, 0, "keep.test"},
+      {"*.[::1]", 0, nullptr, 0, "keep.test"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string("\"") + c.patterns + "\" " + (c.url ? c.url : ""));
+    ASSERT_EQ(OrvHttpLimits::SetHosts("keep.test", -1), 1);
+    EXPECT_EQ(OrvHttpLimits::SetHosts(c.patterns, -1), c.taken);
+    if (c.url) {
+      EXPECT_EQ(OrvHttpLimits::AllowsUrl(c.url, -1), c.allowed);
+    }
+    if (c.cleaned) {
+      OrvString cleaned;
+      OrvHttpLimits::GetHosts(cleaned);
+      EXPECT_EQ(std::string(cleaned.buf, size_t(cleaned.len)), c.cleaned);
+    }
+  }
+}
+
 TEST_F(HttpLimitsTest, ClientsOnManyThreadsShareOneCount) {
   std::vector<std::thread> threads;
   std::atomic<int> ok{0};

@@ -83,6 +83,19 @@ class HttpResponseTest : public HttpTest {
     });
     s.Get("/loop",
           [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/loop"); });
+    // Only a 3xx other than 304 is a redirect, whatever headers come with it.
+    s.Get("/gone", [](const httplib::Request&, httplib::Response& res) {
+      res.status = 404;
+      res.set_header("Location", "/ok");
+    });
+    s.Get("/unchanged", [](const httplib::Request&, httplib::Response& res) {
+      res.status = 304;
+      res.set_header("Location", "/ok");
+    });
+    // The same server under another host text.
+    s.Get("/away", [this](const httplib::Request&, httplib::Response& res) {
+      res.set_redirect(server.Url("/ok", "localhost"));
+    });
     s.Get("/binary", [](const httplib::Request&, httplib::Response& res) {
       res.set_content(std::string("a\0b\0\xff", 5), "application/octet-stream");
     });
@@ -109,34 +122,86 @@ TEST_F(HttpResponseTest, StatusAndBodyFollowTheFinalResponse) {
     ORV_HTTP_STATUS status;
     long code;
     std::string body;
+    int requests;  // each redirect hop is one
   };
   const std::vector<Case> cases = {
-      {"/ok", ORV_HTTP_OK, 200, "hello"},
-      {"/created", ORV_HTTP_OK, 201, "made"},
-      {"/empty", ORV_HTTP_OK, 204, ""},
-      {"/missing", ORV_HTTP_NOT_2XX, 404, ""},
-      {"/broken", ORV_HTTP_NOT_2XX, 500, ""},
-      {"/moved", ORV_HTTP_OK, 200, "hello"},
-      {"/nowhere", ORV_HTTP_NOT_2XX, 404, ""},
-      {"/chain/10", ORV_HTTP_OK, 200, "end of chain"},
-      {"/chain/11", ORV_HTTP_NETWORK, 302, ""},
-      {"/loop", ORV_HTTP_NETWORK, 302, ""},
-      {"/binary", ORV_HTTP_OK, 200, std::string("a\0b\0\xff", 5)},
-      {"/gzip", ORV_HTTP_OK, 200, Pattern(100000)},
-      {"/deflate", ORV_HTTP_OK, 200, Pattern(70000)},
-      {"/bad-gzip", ORV_HTTP_NETWORK, 200, ""},
+      {"/ok", ORV_HTTP_OK, 200, "hello", 1},
+      {"/created", ORV_HTTP_OK, 201, "made", 1},
+      {"/empty", ORV_HTTP_OK, 204, "", 1},
+      {"/missing", ORV_HTTP_NOT_2XX, 404, "", 1},
+      {"/broken", ORV_HTTP_NOT_2XX, 500, "", 1},
+      {"/moved", ORV_HTTP_OK, 200, "hello", 2},
+      {"/nowhere", ORV_HTTP_NOT_2XX, 404, "", 2},
+      {"/gone", ORV_HTTP_NOT_2XX, 404, "", 1},
+      {"/unchanged", ORV_HTTP_NOT_2XX, 304, "", 1},
+      {"/away", ORV_HTTP_OK, 200, "hello", 2},
+      {"/chain/10", ORV_HTTP_OK, 200, "end of chain", 11},
+      {"/chain/11", ORV_HTTP_NETWORK, 302, "", 11},
+      {"/loop", ORV_HTTP_NETWORK, 302, "", 11},
+      {"/binary", ORV_HTTP_OK, 200, std::string("a\0b\0\xff", 5), 1},
+      {"/gzip", ORV_HTTP_OK, 200, Pattern(100000), 1},
+      {"/deflate", ORV_HTTP_OK, 200, Pattern(70000), 1},
+      {"/bad-gzip", ORV_HTTP_NETWORK, 200, "", 1},
   };
   OrvHttp shared;  // one client for the whole table: state must not leak between runs
   for (const Case& c : cases) {
     for (int fresh = 0; fresh < 2; ++fresh) {
       SCOPED_TRACE(std::string(c.path) + (fresh ? " (new client)" : " (shared client)"));
       OrvHttp own;
+      OrvHttpLimits::ResetCounters();
+      int hitsBefore = server.hits;
       Fetched got = Fetch(fresh ? own : shared, server.Url(c.path));
       EXPECT_EQ(got.status, c.status);
       EXPECT_EQ(got.code, c.code);
       EXPECT_EQ(got.bodyResult, c.status == ORV_HTTP_OK ? 1 : 0);
       EXPECT_EQ(got.body, c.body);
+      EXPECT_EQ(server.hits - hitsBefore, c.requests);
+      EXPECT_EQ(OrvHttpLimits::GetRequests(), c.requests);
+      EXPECT_EQ(OrvHttpLimits::GetFetches(), 1);
     }
+  }
+}
+
+// A hop is a request like any other: the budget, the delay and the allowed
+// hosts judge it before it is sent.
+TEST_F(HttpResponseTest, RedirectHopsPassTheGate) {
+  struct Case {
+    const char* label;
+    int64_t maxRequests;
+    int32_t delayMs;
+    const char* hosts;
+    const char* path;
+    ORV_HTTP_STATUS status;
+    long code;
+    int requests;
+    double atLeast;  // seconds
+  };
+  const std::vector<Case> cases = {
+      {"chain within the budget", 3, 0, "", "/chain/2", ORV_HTTP_OK, 200, 3, 0},
+      {"hop past the budget", 2, 0, "", "/chain/2", ORV_HTTP_BUDGET_SPENT, 302, 2, 0},
+      {"budget of one", 1, 0, "", "/moved", ORV_HTTP_BUDGET_SPENT, 302, 1, 0},
+      {"delay before each hop", 0, 150, "", "/chain/2", ORV_HTTP_OK, 200, 3, 0.3},
+      {"redirect to a host left out", 0, 0, "127.0.0.1", "/away", ORV_HTTP_HOST_REFUSED, 302, 1, 0},
+      {"redirect to an allowed host", 0, 0, "127.0.0.1,localhost", "/away", ORV_HTTP_OK, 200, 2, 0},
+      {"first host left out", 0, 0, "localhost", "/ok", ORV_HTTP_HOST_REFUSED, 0, 0, 0},
+      {"another port", 0, 0, "127.0.0.1:1", "/ok", ORV_HTTP_HOST_REFUSED, 0, 0, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.label);
+    OrvHttpLimits::Reset();
+    OrvHttpSettings settings;
+    settings.maxRequests = c.maxRequests;
+    settings.delayMs = c.delayMs;
+    OrvHttpLimits::Set(settings);
+    ASSERT_EQ(OrvHttpLimits::SetHosts(c.hosts, -1), 1);
+    int hitsBefore = server.hits;
+    Fetched got = Fetch(server.Url(c.path));
+    EXPECT_EQ(got.status, c.status);
+    EXPECT_EQ(got.code, c.code);
+    EXPECT_EQ(server.hits - hitsBefore, c.requests);
+    EXPECT_EQ(OrvHttpLimits::GetRequests(), c.requests);
+    EXPECT_EQ(OrvHttpLimits::GetFetches(), c.requests > 0 ? 1 : 0);
+    EXPECT_GE(got.seconds, c.atLeast);
   }
 }
 

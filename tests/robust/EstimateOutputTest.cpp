@@ -30,6 +30,8 @@ class SmallSite {
       Record(req);
       res.set_content("<html><body><p>an item</p></body></html>", "text/html");
     });
+    http.server.Get("/moved",
+                    [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/"); });
   }
   std::vector<std::string> Agents() {
     std::lock_guard<std::mutex> lock(mutex);
@@ -145,6 +147,90 @@ TEST(EstimateOutput, ProgressOnlyWhenStderrIsATerminal) {
     EXPECT_EQ(run.err.substr(run.err.size() - 4), "\r\033[K") << run.err;
     // stdout stays clean for whatever reads it.
     EXPECT_EQ(run.out.find('\r'), std::string::npos);
+  }
+}
+
+// Every request the server receives is one in the output and in the budget,
+// redirects included.
+TEST(EstimateOutput, RequestsCountRedirects) {
+  struct Case {
+    std::vector<std::string> options;
+    const char* path;
+    int requests;
+  };
+  const Case cases[] = {
+      {{}, "/", kSmallSiteRequests},
+      {{}, "/moved", kSmallSiteRequests + 1},
+      {{"--max-requests", "2"}, "/moved", 2},
+  };
+  for (const auto& c : cases) {
+    SmallSite site;
+    ASSERT_TRUE(site.http.Start());
+    std::vector<std::string> options = c.options;
+    options.push_back("--json");
+    ToolRun run = Estimate(options, site.http.Url(c.path));
+    ASSERT_EQ(run.status, 0) << c.path << ": " << run.err;
+    auto json = nlohmann::json::parse(run.out, nullptr, false);
+    ASSERT_TRUE(json.is_object()) << run.out;
+    EXPECT_EQ(json["requests"], c.requests) << c.path;
+    EXPECT_EQ(site.http.hits.load(), c.requests) << c.path;
+  }
+}
+
+// An entry host without a dot gives an empty site domain, which every host
+// contains: the crawl follows a link to another server, and the tool warns.
+// --hosts keeps the requests home. An address keeps three of its numbers and
+// its port in the domain, so another port is another site and no warning comes.
+TEST(EstimateOutput, OffSiteLinksWarningAndHosts) {
+  struct Case {
+    const char* entryHost;
+    std::vector<std::string> options;
+    bool warns;
+    int offSiteHits;
+  };
+  const Case cases[] = {
+      {"localhost", {}, true, 1},
+      {"localhost", {"--json"}, true, 1},
+      {"localhost", {"--hosts", "localhost"}, true, 0},
+      {"localhost", {"--hosts", "localhost,127.0.0.1"}, true, 1},
+      {"127.0.0.1", {}, false, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.entryHost) + (c.options.empty() ? "" : " " + c.options.back()));
+    HttpTestServer home, away;
+    away.server.Get("/elsewhere", [](const httplib::Request&, httplib::Response& res) {
+      res.set_content("<html><body><p>another site</p></body></html>", "text/html");
+    });
+    ASSERT_TRUE(away.Start());
+    const std::string page = "<html><body><a href=\"/item?id=1\">here</a> <a href=\"" +
+                             away.Url("/elsewhere?from=1") + "\">there</a></body></html>";
+    home.server.Get("/", [page](const httplib::Request&, httplib::Response& res) {
+      res.set_content(page, "text/html");
+    });
+    home.server.Get("/item", [](const httplib::Request&, httplib::Response& res) {
+      res.set_content("<html><body><p>an item</p></body></html>", "text/html");
+    });
+    ASSERT_TRUE(home.Start());
+    const std::string entry = home.Url("/", c.entryHost);
+
+    std::vector<std::string> options = c.options;
+    options.push_back("--json");
+    ToolRun run = Estimate(options, entry);
+    ASSERT_EQ(run.status, 0) << run.err;
+    auto json = nlohmann::json::parse(run.out, nullptr, false);
+    ASSERT_TRUE(json.is_object()) << run.out;
+    EXPECT_EQ(away.hits.load(), c.offSiteHits);
+    EXPECT_EQ(json["requests"], home.hits.load() + away.hits.load());
+    if (c.warns) {
+      // One line, before the crawl, naming the empty domain and the way out.
+      EXPECT_TRUE(run.err.rfind("orvwebpage: warning: ", 0) == 0) << run.err;
+      EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
+      EXPECT_NE(run.err.find("empty"), std::string::npos) << run.err;
+      EXPECT_NE(run.err.find(home.Url("/", "www.localhost")), std::string::npos) << run.err;
+      EXPECT_NE(run.err.find("--hosts"), std::string::npos) << run.err;
+    } else {
+      EXPECT_TRUE(run.err.empty()) << run.err;
+    }
   }
 }
 

@@ -28,12 +28,15 @@ class LocalHttpServer {
  public:
   httplib::Server server;
   std::atomic<bool> stopping{false};
-  std::atomic<int> hits{0};  // requests answered
+  std::atomic<int> hits{0};  // requests received, counted before any answer goes out
 
   LocalHttpServer() {
     server.set_keep_alive_timeout(1);
     server.set_tcp_nodelay(true);
-    server.set_logger([this](const httplib::Request&, const httplib::Response&) { ++hits; });
+    server.set_pre_routing_handler([this](const httplib::Request&, httplib::Response&) {
+      ++hits;
+      return httplib::Server::HandlerResponse::Unhandled;
+    });
   }
   ~LocalHttpServer() { Stop(); }
 
@@ -53,8 +56,9 @@ class LocalHttpServer {
       thread.join();
     }
   }
-  std::string Url(const std::string& path) const {
-    return "http://127.0.0.1:" + std::to_string(port) + path;
+  // host: another name for the loopback address gives another host text.
+  std::string Url(const std::string& path, const std::string& host = "127.0.0.1") const {
+    return "http://" + host + ":" + std::to_string(port) + path;
   }
 
  private:

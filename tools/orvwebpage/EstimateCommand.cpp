@@ -2,6 +2,7 @@
 // The limits go to the HTTP layer, which refuses requests once one is spent,
 // so the estimator itself runs unchanged and drains its queue quickly.
 
+#include <strings.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -18,6 +19,8 @@
 #include "ProgressLine.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
+#include "platform/http/OrvHostPatterns.h"
+#include "url/OrvUrlFilterExtractor.h"
 
 namespace {
 
@@ -28,6 +31,7 @@ struct EstimateOptions {
   double deadline = 0;      // seconds for the whole run; 0: none
   int32_t delay = 0;        // milliseconds between requests
   std::string userAgent;    // empty: the library's own
+  std::string hosts;        // empty: requests may go anywhere
   bool json = false;
 };
 
@@ -60,6 +64,50 @@ const CLI::Validator kHeaderText(
     },
     "TEXT");
 
+const CLI::Validator kHostPatterns(
+    [](std::string& text) -> std::string {
+      OrvHostPatterns patterns;
+      if (!patterns.Set(text.data(), long(text.size())) || patterns.IsEmpty())
+        return "host patterns are HOST, *.DOMAIN or either with :PORT, split by commas: " + text;
+      return "";
+    },
+    "PATTERN[,PATTERN...]");
+
+// The crawl follows every link whose host contains the entry host behind its
+// first dot. Gives a warning when that matches far more than the site: an
+// empty domain (no dot) matches every host, a single label ("com") most.
+// Addresses keep three of their four numbers, so they are left alone.
+std::string SiteDomainWarning(const std::string& entry) {
+  OrvWebPageUrl url;
+  url.url.CopyBuf(entry.data(), long(entry.size()));
+  url.Parse(0);
+  std::string scheme(url.scheme.buf ? url.scheme.buf : "", size_t(url.scheme.len));
+  std::string host(url.host.buf ? url.host.buf : "", size_t(url.host.len));
+  if ((strcasecmp(scheme.c_str(), "http") != 0 && strcasecmp(scheme.c_str(), "https") != 0) ||
+      host.empty())
+    return "";
+  OrvString tail;
+  OrvUrlFilterExtractor::HostTail(tail, url.host.buf, url.host.len);
+  std::string domain(tail.buf ? tail.buf : "", size_t(tail.len));
+  if (domain.substr(0, domain.find(':')).find('.') != std::string::npos) return "";
+
+  std::string line = "orvwebpage: warning: ";
+  if (domain.empty())
+    line += "the site domain is empty (the entry host " + host +
+            " has no dot), so links to every host are followed";
+  else
+    line += "the site domain \"" + domain + "\" (the entry host behind its first dot) matches " +
+            "every host containing it, and links to them are followed";
+  size_t at = entry.find("://");
+  at = at == std::string::npos ? at : entry.find(host, at + 3);
+  if (host[0] != '[' && at != std::string::npos)
+    line += "; try " + entry.substr(0, at) + "www." + entry.substr(at) +
+            " (or another first label), or confine requests with --hosts";
+  else
+    line += "; confine requests with --hosts";
+  return line;
+}
+
 int32_t Milliseconds(double seconds) {
   double ms = std::ceil(seconds * 1000);
   return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
@@ -82,6 +130,10 @@ int RunEstimate(const EstimateOptions& o) {
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
+  if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
+
+  std::string warning = SiteDomainWarning(o.url);
+  if (!warning.empty()) std::cerr << warning << std::endl;
 
   std::unique_ptr<ProgressLine> progress;
   if (isatty(STDERR_FILENO)) {
@@ -97,6 +149,7 @@ int RunEstimate(const EstimateOptions& o) {
   long estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
   double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   int64_t requests = OrvHttpLimits::GetRequests();
+  int64_t fetches = OrvHttpLimits::GetFetches();
   int64_t bytes = OrvHttpLimits::GetBytes();
   bool spent = OrvHttpLimits::IsSpent() != 0;
 
@@ -106,13 +159,16 @@ int RunEstimate(const EstimateOptions& o) {
   }
 
   // Nothing could be read when the estimate is 0 and at most the entry was
-  // asked for. A read entry page can give 0 as well (a listing whose pages
-  // hold no crawlable link), but finding that listing's last page takes
-  // probes, so such a run has made more than one request.
-  if (estimate == 0 && requests <= 1)
-    throw CommandError("cannot read " + o.url +
-                       (spent ? ": the deadline or the request budget ran out first"
-                              : ": no readable page came back"));
+  // asked for (its redirects included). A read entry page can give 0 as well
+  // (a listing whose pages hold no crawlable link), but finding that
+  // listing's last page takes probes, so such a run has fetched more pages.
+  if (estimate == 0 && fetches <= 1)
+    throw CommandError(
+        "cannot read " + o.url +
+        (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty()
+             ? ": its host is not among --hosts"
+         : spent ? ": the deadline or the request budget ran out first"
+                 : ": no readable page came back"));
 
   if (o.json) {
     nlohmann::ordered_json out;
@@ -145,6 +201,9 @@ Command AddEstimateCommand(CLI::App& parent) {
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
       ->check(CLI::Range(0, INT32_MAX));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
+  app->add_option("--hosts", o->hosts,
+                  "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
+      ->check(kHostPatterns);
   app->add_flag("--json", o->json, "print one JSON document: url, estimate, requests, seconds");
   return {app, [o] { return RunEstimate(*o); }};
 }

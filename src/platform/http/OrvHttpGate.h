@@ -2,7 +2,9 @@
 
 #include <cstdint>
 
+#include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "platform/http/OrvRequestTarget.h"
 
 // The side of OrvHttpLimits that clients use: a request asks to be let
 // through, and reports what it receives.
@@ -14,9 +16,12 @@ struct OrvHttpAdmission {
 };
 
 // Takes one request from the budget and waits out the delay since the
-// previous start. Gives 0, taking nothing, when the budget or the deadline is
-// spent or the delay would end past the deadline. url is NUL-terminated.
-int OrvHttpAdmit(const char* url, OrvHttpAdmission& admission);
+// previous start; firstHop counts a fetch as well. Gives ORV_HTTP_OK, or,
+// taking nothing, ORV_HTTP_HOST_REFUSED for a host the patterns leave out and
+// ORV_HTTP_BUDGET_SPENT when the budget or the deadline is spent or the delay
+// would end past the deadline. url is NUL-terminated.
+ORV_HTTP_STATUS OrvHttpAdmit(const char* url, const OrvRequestTarget& target, int firstHop,
+                             OrvHttpAdmission& admission);
 
 // Body bytes have arrived for url.
 void OrvHttpNoteBytes(int64_t count, const char* url);

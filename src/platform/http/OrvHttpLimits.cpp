@@ -7,6 +7,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/http/OrvHostPatterns.h"
 #include "platform/http/OrvHttpGate.h"
 
 #ifndef ORV_VERSION
@@ -27,7 +28,9 @@ struct LimitState {
   OrvString currentUrl;
   OrvHttpProgressFn progress = nullptr;
   void* progressContext = nullptr;
+  OrvHostPatterns hosts;
   std::atomic<int64_t> requests{0};
+  std::atomic<int64_t> fetches{0};
   std::atomic<int64_t> bytes{0};
 };
 
@@ -75,6 +78,7 @@ OrvHttpSettings OrvHttpLimits::Get() {
 void OrvHttpLimits::Reset() {
   Set(OrvHttpSettings());
   SetProgress(nullptr, nullptr);
+  SetHosts("", 0);
   ResetCounters();
   LimitState& s = State();
   std::lock_guard<std::mutex> hold(s.lock);
@@ -85,11 +89,14 @@ void OrvHttpLimits::ResetCounters() {
   LimitState& s = State();
   std::lock_guard<std::mutex> hold(s.lock);
   s.requests = 0;
+  s.fetches = 0;
   s.bytes = 0;
   s.currentUrl.Clear();
 }
 
 int64_t OrvHttpLimits::GetRequests() { return State().requests.load(); }
+
+int64_t OrvHttpLimits::GetFetches() { return State().fetches.load(); }
 
 int64_t OrvHttpLimits::GetBytes() { return State().bytes.load(); }
 
@@ -113,25 +120,59 @@ void OrvHttpLimits::SetProgress(OrvHttpProgressFn progress, void* context) {
   s.progressContext = context;
 }
 
+int OrvHttpLimits::SetHosts(const char* patterns, long length) {
+  OrvHostPatterns parsed;
+  if (!parsed.Set(patterns, length)) return 0;
+  LimitState& s = State();
+  std::lock_guard<std::mutex> hold(s.lock);
+  s.hosts = parsed;
+  return 1;
+}
+
+void OrvHttpLimits::GetHosts(OrvString& patterns) {
+  LimitState& s = State();
+  std::lock_guard<std::mutex> hold(s.lock);
+  patterns.CopyBuf(s.hosts.Text().buf, s.hosts.Text().len);
+}
+
+int OrvHttpLimits::AllowsUrl(const char* url, long length) {
+  if (!url) return 0;
+  OrvString text(url, length);
+  if (text.len < 1 || Orvstrlen(text.buf) != text.len) return 0;
+  CURLU* handle = curl_url();
+  OrvRequestTarget target;
+  ORV_HTTP_STATUS aimed = OrvAimRequest(handle, text.buf, target);
+  curl_url_cleanup(handle);
+  if (aimed != ORV_HTTP_OK) return 0;
+  LimitState& s = State();
+  std::lock_guard<std::mutex> hold(s.lock);
+  return s.hosts.Allows(target.host.buf, target.host.len, target.port);
+}
+
 const char* OrvHttpLimits::DefaultUserAgent() { return "OrvWebPage/" ORV_VERSION; }
 
-int OrvHttpAdmit(const char* url, OrvHttpAdmission& admission) {
+ORV_HTTP_STATUS OrvHttpAdmit(const char* url, const OrvRequestTarget& target, int firstHop,
+                             OrvHttpAdmission& admission) {
   LimitState& s = State();
   Clock::time_point start;
   {
     std::lock_guard<std::mutex> hold(s.lock);
+    if (!s.hosts.Allows(target.host.buf, target.host.len, target.port))
+      return ORV_HTTP_HOST_REFUSED;
     Clock::time_point now = Clock::now();
-    if (s.settings.maxRequests > 0 && s.requests.load() >= s.settings.maxRequests) return 0;
-    if (s.hasDeadline && now >= s.deadline) return 0;
+    if (s.settings.maxRequests > 0 && s.requests.load() >= s.settings.maxRequests)
+      return ORV_HTTP_BUDGET_SPENT;
+    if (s.hasDeadline && now >= s.deadline) return ORV_HTTP_BUDGET_SPENT;
     // Each request books its start slot under the lock, so clients on several
     // threads keep the delay between them too.
     start = now;
     if (s.hasStarted && s.settings.delayMs > 0)
       start = std::max(now, s.lastStart + std::chrono::milliseconds(s.settings.delayMs));
-    if (s.hasDeadline && start >= s.deadline) return 0;
+    if (s.hasDeadline && start >= s.deadline) return ORV_HTTP_BUDGET_SPENT;
     s.hasStarted = true;
     s.lastStart = start;
     s.requests.fetch_add(1);
+    if (firstHop) s.fetches.fetch_add(1);
     s.currentUrl = url;
     admission.settings = s.settings;
   }
@@ -149,7 +190,7 @@ int OrvHttpAdmit(const char* url, OrvHttpAdmission& admission) {
     }
   }
   Report(url, 0);
-  return 1;
+  return ORV_HTTP_OK;
 }
 
 void OrvHttpNoteBytes(int64_t count, const char* url) {
