@@ -18,9 +18,10 @@
 #include "Command.h"
 #include "ProgressLine.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvString.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
-#include "platform/http/OrvHostPatterns.h"
-#include "url/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 
 namespace {
 
@@ -66,8 +67,13 @@ const CLI::Validator kHeaderText(
 
 const CLI::Validator kHostPatterns(
     [](std::string& text) -> std::string {
-      OrvHostPatterns patterns;
-      if (!patterns.Set(text.data(), long(text.size())) || patterns.IsEmpty())
+      // The library is the judge of a pattern; what it takes is set again
+      // when the run starts.
+      OrvString cleaned;
+      int valid = OrvHttpLimits::SetHosts(text.data(), long(text.size()));
+      OrvHttpLimits::GetHosts(cleaned);
+      OrvHttpLimits::SetHosts("", 0);
+      if (!valid || cleaned.len == 0)
         return "host patterns are HOST, *.DOMAIN or either with :PORT, split by commas: " + text;
       return "";
     },
