@@ -66,6 +66,7 @@ def test_stop_event_and_ctrl_c_end_the_crawl_early(sample_site):
     ({"url": "http://127.0.0.1:1/", "stop": True}, TypeError),
     ({"url": "http://127.0.0.1:1/", "max_requests": 0}, ValueError),
     ({"url": "http://127.0.0.1:1/", "timeout": 0}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "deadline": 0}, ValueError),
     ({"url": "http://127.0.0.1:1/", "deadline": float("nan")}, ValueError),
     ({"url": "http://127.0.0.1:1/", "delay": -1}, ValueError),
     ({"url": "http://127.0.0.1:1/", "user_agent": "a\nb"}, ValueError),
