@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Estimates the page counts of many sites at once on Dask.
+
+Each site is estimated in a worker process of its own at a time: the HTTP limits
+and counters of orvwebpage belong to the process, so workers run one thread each.
+
+    python3 dask_estimate.py SITES [--scheduler ADDRESS] [--workers N]
+                             [--max-requests N] [--deadline SECONDS] [--delay SECONDS]
+
+SITES is a file of entry URLs, one a line (blank lines and # comments skipped).
+Without --scheduler a local cluster of worker processes is started. Writes one
+JSON line per site, in file order: {"url", "estimate", "requests", "seconds"}.
+"""
+
+import argparse
+import json
+import sys
+
+from dask.distributed import Client, LocalCluster
+
+
+def estimate_site(url, limits):
+    import orvwebpage  # in the worker process
+    result = orvwebpage.estimate(url, **limits)
+    return {"url": url, "estimate": result.estimate, "requests": result.requests,
+            "seconds": round(result.seconds, 3)}
+
+
+def read_sites(path):
+    with open(path, encoding="utf-8") as lines:
+        return [s for s in (line.strip() for line in lines) if s and not s.startswith("#")]
+
+
+def print_estimates(client, sites, limits):
+    # Estimates of one process wait for each other (the limits are the
+    # process's), so a scheduler whose workers run several threads still
+    # gets right counts, only less at once.
+    futures = client.map(estimate_site, sites, limits=limits, pure=False)
+    for future in futures:
+        print(json.dumps(future.result()), flush=True)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("sites", help="file of entry URLs, one a line")
+    parser.add_argument("--scheduler", help="address of a running Dask scheduler")
+    parser.add_argument("--workers", type=int, default=None,
+                        help="local worker processes (default: one per site, at most 4)")
+    parser.add_argument("--max-requests", type=int)
+    parser.add_argument("--deadline", type=float, help="seconds for each site")
+    parser.add_argument("--delay", type=float, help="seconds between two requests to a site")
+    args = parser.parse_args()
+    sites = read_sites(args.sites)
+    limits = {k: v for k, v in (("max_requests", args.max_requests), ("deadline", args.deadline),
+                                ("delay", args.delay)) if v is not None}
+    if args.scheduler:
+        with Client(args.scheduler) as client:
+            print_estimates(client, sites, limits)
+    else:
+        workers = args.workers or max(1, min(4, len(sites)))
+        with LocalCluster(n_workers=workers, threads_per_worker=1, processes=True,
+                          host="127.0.0.1", dashboard_address=None) as cluster, \
+                Client(cluster) as client:
+            print_estimates(client, sites, limits)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,192 @@
+// orvwebpage.estimate: a site's page count, crawled on a worker thread while
+// the caller waits without the GIL, in short slices that look for Ctrl-C and
+// for the caller's stop event.
+
+#include <pybind11/stl.h>
+
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "Bindings.h"
+#include "PyText.h"
+#include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvWebPageCountEstimate.h"
+
+namespace orvpy {
+namespace {
+
+PyTypeObject* resultType = nullptr;
+
+// The HTTP limits and counters belong to the process: one estimate at a time.
+std::mutex processEstimate;
+
+constexpr double kMaxSeconds = 1e6;
+constexpr auto kSlice = std::chrono::milliseconds(50);
+
+int32_t Milliseconds(const std::optional<double>& seconds, const char* what, bool zeroOk) {
+  if (!seconds) return 0;
+  double s = *seconds;
+  if (!std::isfinite(s) || s < 0 || (!zeroOk && s == 0) || s > kMaxSeconds)
+    throw py::value_error(std::string(what) + " must be a number of seconds above 0" +
+                          (zeroOk ? " or 0" : "") + " and at most 1000000");
+  return int32_t(std::ceil(s * 1000));
+}
+
+OrvHttpSettings MakeSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
+                             std::optional<double> deadline, std::optional<double> delay,
+                             const std::optional<std::string>& userAgent) {
+  OrvHttpSettings settings;
+  if (maxRequests) {
+    if (*maxRequests < 1) throw py::value_error("max_requests must be at least 1");
+    settings.maxRequests = *maxRequests;
+  }
+  if (timeout) settings.requestTimeoutMs = Milliseconds(timeout, "timeout", false);
+  settings.deadlineMs = Milliseconds(deadline, "deadline", false);
+  settings.delayMs = Milliseconds(delay, "delay", true);
+  if (userAgent) {
+    if (userAgent->size() >= sizeof settings.userAgent)
+      throw py::value_error("user_agent must be at most " +
+                            std::to_string(sizeof settings.userAgent - 1) + " bytes");
+    for (unsigned char c : *userAgent)
+      if (c < 0x20 || c == 0x7F) throw py::value_error("user_agent cannot hold control characters");
+    std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", userAgent->c_str());
+  }
+  return settings;
+}
+
+// What the worker and the waiting caller share; the worker may outlive
+// nothing of it, since the caller always joins.
+struct Crawl {
+  std::string url;
+  OrvHttpSettings settings;
+  OrvWebPageCountEstimate estimator;
+  std::mutex lock;
+  std::condition_variable finished;
+  bool started = false, done = false, stopRequested = false;
+  long estimate = 0;
+  int64_t requests = 0, bytes = 0;
+  double seconds = 0;
+
+  void Run() {
+    std::lock_guard<std::mutex> only(processEstimate);
+    {
+      std::lock_guard<std::mutex> guard(lock);
+      if (!stopRequested) {
+        OrvHttpLimits::ResetCounters();
+        OrvHttpLimits::Set(settings);  // starts the deadline's clock
+        started = true;
+      }
+    }
+    if (started) {
+      auto start = std::chrono::steady_clock::now();
+      estimate = estimator.EstimateCount(url.data(), long(url.size()));
+      seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+      requests = OrvHttpLimits::GetRequests();
+      bytes = OrvHttpLimits::GetBytes();
+    }
+    std::lock_guard<std::mutex> guard(lock);
+    done = true;
+    finished.notify_all();
+  }
+
+  // The estimator forgets a stop that comes before its crawl begins, so the
+  // caller repeats it every slice; spending the HTTP limits makes the queued
+  // rest of the crawl end at once, a request in flight included.
+  void Stop() {
+    std::lock_guard<std::mutex> guard(lock);
+    if (!stopRequested && started) {
+      OrvHttpSettings spent = OrvHttpLimits::Get();
+      spent.deadlineMs = 1;
+      OrvHttpLimits::Set(spent);
+    }
+    stopRequested = true;
+    if (started) estimator.StopEstimating();
+  }
+
+  // Waits one slice; true once the crawl is done.
+  bool Wait() {
+    std::unique_lock<std::mutex> guard(lock);
+    return finished.wait_for(guard, kSlice, [this] { return done; });
+  }
+};
+
+py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
+                    std::optional<double> timeout, std::optional<double> deadline,
+                    std::optional<double> delay, const std::optional<std::string>& userAgent,
+                    const py::object& stop) {
+  TextView view = ViewTextOrThrow(url, "url");
+  if (!stop.is_none() && !py::hasattr(stop, "is_set"))
+    throw py::type_error("stop must be a threading.Event or another object with is_set()");
+  auto crawl = std::make_shared<Crawl>();
+  crawl->url.assign(view.data, size_t(view.size));
+  crawl->settings = MakeSettings(maxRequests, timeout, deadline, delay, userAgent);
+
+  std::thread worker([crawl] { crawl->Run(); });
+  std::optional<py::error_already_set> failure;
+  bool stopped = false;
+  for (;;) {
+    bool done;
+    {
+      py::gil_scoped_release released;
+      done = crawl->Wait();
+    }
+    if (done) break;
+    if (!failure && PyErr_CheckSignals() != 0) failure.emplace();
+    if (!failure && !stopped && !stop.is_none()) {
+      PyObject* set = PyObject_CallMethod(stop.ptr(), "is_set", nullptr);
+      if (!set) {
+        failure.emplace();
+      } else {
+        stopped = PyObject_IsTrue(set) == 1;
+        Py_DECREF(set);
+      }
+    }
+    if (failure || stopped) crawl->Stop();
+  }
+  {
+    py::gil_scoped_release released;
+    worker.join();
+  }
+  if (failure) throw *failure;
+
+  PyObject* result = PyStructSequence_New(resultType);
+  if (!result) throw py::error_already_set();
+  PyStructSequence_SET_ITEM(result, 0, PyLong_FromLong(crawl->estimate));
+  PyStructSequence_SET_ITEM(result, 1, PyLong_FromLongLong(crawl->requests));
+  PyStructSequence_SET_ITEM(result, 2, PyLong_FromLongLong(crawl->bytes));
+  PyStructSequence_SET_ITEM(result, 3, PyFloat_FromDouble(crawl->seconds));
+  PyStructSequence_SET_ITEM(result, 4, PyBool_FromLong(stopped));
+  return py::reinterpret_steal<py::object>(result);
+}
+
+}  // namespace
+
+void AddEstimate(py::module_& m) {
+  resultType = NewRecordType(
+      m, "EstimateResult",
+      "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event)",
+      {"estimate", "requests", "bytes", "seconds", "stopped"}, 2);
+  m.def("estimate", &Estimate, py::arg("url"), py::arg("max_requests") = py::none(),
+        py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
+        py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
+        py::arg("stop") = py::none(),
+        R"(Estimates how many pages the site at url holds by crawling it.
+
+Returns EstimateResult(estimate, requests); estimate 0 when nothing could be read.
+max_requests: request budget; timeout: seconds per request (default 30);
+deadline: seconds for the whole run; delay: seconds between two requests;
+user_agent: the User-Agent header; stop: a threading.Event that ends the crawl
+early when set. Ctrl-C ends it too and raises KeyboardInterrupt.
+
+The crawl runs without the GIL. Its limits and counters are process-wide: one
+estimate runs at a time per process, and a second call waits for the first.)");
+}
+
+}  // namespace orvpy

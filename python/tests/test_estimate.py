@@ -1,0 +1,81 @@
+import _thread
+import threading
+import time
+
+import orvwebpage
+import pytest
+from conftest import tool_estimate
+
+
+@pytest.mark.parametrize("profile", ["example", "offset", "single"])
+def test_estimate_equals_the_tools(sample_site, profile):
+    site = sample_site("--profile", profile)
+    want = tool_estimate(site.url)
+    site.clear_log()
+    result = orvwebpage.estimate(site.url)
+    assert tuple(result) == want
+    assert result.requests == len(site.log_lines()) and not result.stopped
+
+
+def test_two_threads_at_once_each_get_their_own_count(sample_site):
+    sites = [sample_site("--profile", p) for p in ("example", "offset")]
+    want = [tool_estimate(s.url) for s in sites]
+    got = [None, None]
+
+    def run(i):
+        got[i] = tuple(orvwebpage.estimate(sites[i].url, delay=0.01))
+
+    threads = [threading.Thread(target=run, args=(i,)) for i in range(2)]
+    for t in threads:
+        t.start()
+    for t in threads:
+        t.join()
+    assert got == want
+
+
+@pytest.mark.parametrize("limits,want_requests", [
+    ({"max_requests": 2}, 2),
+    ({"max_requests": 1, "user_agent": "py-test/1"}, 1),
+])
+def test_limits_bind(sample_site, limits, want_requests):
+    site = sample_site("--profile", "mixed", "--pages", "2000")
+    result = orvwebpage.estimate(site.url, **limits)
+    assert result.requests == want_requests == len(site.log_lines())
+
+
+# A slow crawl (19 requests 0.2 s apart) ends soon after a stop; the event's
+# timer can only fire while the crawl runs without the GIL.
+def test_stop_event_and_ctrl_c_end_the_crawl_early(sample_site):
+    site = sample_site("--profile", "mixed", "--pages", "2000")
+    stop = threading.Event()
+    threading.Timer(0.5, stop.set).start()
+    start = time.monotonic()
+    result = orvwebpage.estimate(site.url, delay=0.2, stop=stop)
+    assert result.stopped and result.requests <= 5 and time.monotonic() - start < 2
+
+    threading.Timer(0.5, _thread.interrupt_main).start()
+    start = time.monotonic()
+    with pytest.raises(KeyboardInterrupt):
+        orvwebpage.estimate(site.url, delay=0.2)
+    assert time.monotonic() - start < 2
+
+
+@pytest.mark.parametrize("kwargs,error", [
+    ({"url": 5}, TypeError),
+    ({"url": "http://127.0.0.1:1/", "timeout": "slow"}, TypeError),
+    ({"url": "http://127.0.0.1:1/", "stop": True}, TypeError),
+    ({"url": "http://127.0.0.1:1/", "max_requests": 0}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "timeout": 0}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "deadline": 0}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "deadline": float("nan")}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "delay": -1}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "user_agent": "a\nb"}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "user_agent": "x" * 256}, ValueError),
+])
+def test_misuse(kwargs, error):
+    with pytest.raises(error):
+        orvwebpage.estimate(**kwargs)
+
+
+def test_nothing_to_read_gives_zero():
+    assert tuple(orvwebpage.estimate("http://127.0.0.1:1/", timeout=5)) == (0, 1)
