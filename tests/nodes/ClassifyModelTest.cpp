@@ -11,9 +11,10 @@
 
 namespace {
 
-// The classification exactly as described, step by step: linear scans for
-// "already recorded", the whole chain for every accepted item, every parent
-// examined again at every depth, all pairs compared, recursion. Small random
+// The classification in its plainest form: every accepted item records its
+// whole chain of ancestors by depth and by parent, with linear scans for
+// "already recorded"; every parent is examined again at every depth, all
+// pairs of children compared, and a block collected by recursion. Small random
 // trees must come out the same as from the classifier.
 class LiteralModel {
  public:

@@ -10,7 +10,7 @@ namespace {
 TEST(SampleSite, EachProfileStartsOnLoopbackWithItsTrueCount) {
   struct Case {
     std::vector<std::string> args;
-    long long truePages;  // as documented; estimator tests rely on these sites
+    long long truePages;  // what a full crawl from "/" finds; estimator tests rely on it
   };
   const std::vector<Case> cases = {
       {{"--profile", "example"}, 158}, {{"--profile", "last13"}, 14},

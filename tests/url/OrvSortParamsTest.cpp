@@ -11,8 +11,9 @@
 
 namespace {
 
-// The quicksort exactly as the record's order is defined: first element as
-// pivot, hole-filling partition, private pivot copy, plain recursion.
+// The plain quicksort whose moves fix the order among equal names: first
+// element as pivot, hole-filling partition, both scans passing over names
+// equal to the pivot, private pivot copy, recursion on both sides.
 void ReferenceSort(OrvUrlParam* a, int first, int last) {
   if (first >= last) return;
   OrvUrlParam pivot = a[first];

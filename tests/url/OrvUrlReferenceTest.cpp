@@ -12,7 +12,8 @@
 namespace {
 
 // The parse written step by step with the string operations, on a private
-// copy that is cut again and again, as the record's behaviour is defined.
+// copy that is cut again and again: trim, scheme in the first 11 bytes, host
+// up to the next slash, fragment at the last '#', query at the first '?'.
 // The record's own parse scans views instead; both must give the same fields.
 std::string ReferenceSummary(const std::string& input) {
   OrvString whole(input.data(), long(input.size()));
