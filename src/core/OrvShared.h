@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
+
+#include "core/OrvMemory.h"
 
 // Copies and assignments of a facade share its private objects. The object
 // that carries the count is counted once for every facade holding it, and the
@@ -22,4 +25,18 @@ T* OrvShare(T* counted) {
 template <class T>
 bool OrvLetGo(T* counted) {
   return counted && --counted->shares == 0;
+}
+
+// The facade's destructor: the last share destroys the object.
+template <class T>
+void OrvRelease(T* counted) {
+  if (OrvLetGo(counted)) OrvDelete(counted);
+}
+
+// The facade's assignment for its one shared pointer `member`.
+template <class Facade, class T>
+Facade& OrvAssignShared(Facade& self, const Facade& other, T* Facade::*member) {
+  Facade copy(other);
+  std::swap(self.*member, copy.*member);
+  return self;
 }

@@ -1,7 +1,5 @@
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
-#include <utility>
-
 #include "core/OrvMemory.h"
 #include "core/OrvShared.h"
 #include "estimate/OrvWebPageCountEstimateImpl.h"
@@ -12,14 +10,10 @@ OrvWebPageCountEstimate::OrvWebPageCountEstimate()
 OrvWebPageCountEstimate::OrvWebPageCountEstimate(const OrvWebPageCountEstimate& other)
     : estimator(OrvShare(other.estimator)) {}
 
-OrvWebPageCountEstimate::~OrvWebPageCountEstimate() {
-  if (OrvLetGo(estimator)) OrvDelete(estimator);
-}
+OrvWebPageCountEstimate::~OrvWebPageCountEstimate() { OrvRelease(estimator); }
 
 OrvWebPageCountEstimate& OrvWebPageCountEstimate::operator=(const OrvWebPageCountEstimate& other) {
-  OrvWebPageCountEstimate copy(other);
-  std::swap(estimator, copy.estimator);
-  return *this;
+  return OrvAssignShared(*this, other, &OrvWebPageCountEstimate::estimator);
 }
 
 long OrvWebPageCountEstimate::EstimateCount(char* url, long length) {

@@ -1,7 +1,5 @@
 #include "orvwebpage/OrvWebPageVisibleNodes.h"
 
-#include <utility>
-
 #include "core/OrvMemory.h"
 #include "core/OrvShared.h"
 #include "nodes/OrvVisibleNodeClassifier.h"
@@ -11,14 +9,10 @@ OrvWebPageVisibleNodes::OrvWebPageVisibleNodes() : classifier(OrvNew<OrvVisibleN
 OrvWebPageVisibleNodes::OrvWebPageVisibleNodes(const OrvWebPageVisibleNodes& other)
     : classifier(OrvShare(other.classifier)) {}
 
-OrvWebPageVisibleNodes::~OrvWebPageVisibleNodes() {
-  if (OrvLetGo(classifier)) OrvDelete(classifier);
-}
+OrvWebPageVisibleNodes::~OrvWebPageVisibleNodes() { OrvRelease(classifier); }
 
 OrvWebPageVisibleNodes& OrvWebPageVisibleNodes::operator=(const OrvWebPageVisibleNodes& other) {
-  OrvWebPageVisibleNodes copy(other);
-  std::swap(classifier, copy.classifier);
-  return *this;
+  return OrvAssignShared(*this, other, &OrvWebPageVisibleNodes::classifier);
 }
 
 int OrvWebPageVisibleNodes::ClassifyNodes(var_item* root) {

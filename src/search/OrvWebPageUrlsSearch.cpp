@@ -1,7 +1,5 @@
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
 
-#include <utility>
-
 #include "core/OrvMemory.h"
 #include "core/OrvShared.h"
 #include "search/OrvUrlSearcher.h"
@@ -11,14 +9,10 @@ OrvWebPageUrlsSearch::OrvWebPageUrlsSearch() : searcher(OrvNew<OrvUrlSearcher>()
 OrvWebPageUrlsSearch::OrvWebPageUrlsSearch(const OrvWebPageUrlsSearch& other)
     : searcher(OrvShare(other.searcher)) {}
 
-OrvWebPageUrlsSearch::~OrvWebPageUrlsSearch() {
-  if (OrvLetGo(searcher)) OrvDelete(searcher);
-}
+OrvWebPageUrlsSearch::~OrvWebPageUrlsSearch() { OrvRelease(searcher); }
 
 OrvWebPageUrlsSearch& OrvWebPageUrlsSearch::operator=(const OrvWebPageUrlsSearch& other) {
-  OrvWebPageUrlsSearch copy(other);
-  std::swap(searcher, copy.searcher);
-  return *this;
+  return OrvAssignShared(*this, other, &OrvWebPageUrlsSearch::searcher);
 }
 
 void OrvWebPageUrlsSearch::SetEntryUrl(const OrvString& url) { searcher->SetEntryUrl(url); }
