@@ -2,21 +2,25 @@
 # How cheap the page-count estimate is: on the default sample site, the
 # requests it makes over the site's true page count and its wall time beside
 # a full crawl of the same site by wget; then the estimate over the true count
-# for every profile of the site. Everything runs on 127.0.0.1.
+# for every profile of the site. With --real-site, as root, also the estimate
+# over a full wget crawl's count of a WordPress blog that bench/real-site.sh
+# installs and fills. Everything runs on 127.0.0.1.
 #
-#   bench/estimate.sh [--pages N] [--seed N]     (defaults: the site's own)
+#   bench/estimate.sh [--pages N] [--seed N] [--real-site]   (defaults: the site's own)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 site_args=()
+real_site=0
 while [ $# -gt 0 ]; do
   case $1 in
+    --real-site) real_site=1; shift ;;
     --pages | --seed)
       [ $# -ge 2 ] || { echo "bench/estimate.sh: $1 needs a value" >&2; exit 2; }
       site_args+=("$1" "$2")
       shift 2
       ;;
-    *) echo "usage: bench/estimate.sh [--pages N] [--seed N]" >&2; exit 2 ;;
+    *) echo "usage: bench/estimate.sh [--pages N] [--seed N] [--real-site]" >&2; exit 2 ;;
   esac
 done
 
@@ -83,6 +87,20 @@ for profile in $profiles; do
   profile_rows+="$profile $SITE_PAGES $(json_number estimate "$r") $(json_number requests "$r")"$'\n'
   site_stop
 done
+
+# --- a real web application: its true count is what a full crawl reads --------
+if [ "$real_site" = 1 ]; then
+  real_url=$(bench/real-site.sh)
+  access=/var/tmp/orvwebpage-real-site/access.log
+  r=$("$tool" estimate --json --deadline "$limit" "$real_url") || r='{"estimate":0,"requests":0}'
+  : >"$access"
+  timeout "$limit" wget --spider -r -l inf -e robots=off --no-verbose --no-directories \
+    -P "$work/wget-real" -o "$work/wget-real.log" "$real_url" || true
+  # In spider mode wget asks for the body of pages only (and of style
+  # sheets, to read them for links); everything else it merely checks.
+  real_pages=$(awk '$1 == 200 && $2 == "GET" && $3 !~ /\.css/ { print $3 }' "$access" | sort -u | wc -l)
+  profile_rows+="wordpress $real_pages $(json_number estimate "$r") $(json_number requests "$r")"$'\n'
+fi
 
 # --- the table ---------------------------------------------------------------
 awk -v url="$default_url" -v pages="$true_pages" -v est="$estimate" \

@@ -1,6 +1,8 @@
 // The crawl: breadth-first from the entry URL, fetching one page per set of
 // query parameter names and only counting the other URLs of that shape.
 
+#include <utility>
+
 #include "core/OrvBlockPool.h"
 #include "core/OrvPtrList.h"
 #include "core/OrvStrMap.h"
@@ -27,76 +29,121 @@ struct PageRecords {
     record->estimate = 0;
     record->sightings = 0;
     record->state = ORV_PAGE_UNREAD;
+    record->listing = -1;
     return record;
   }
   void Free(OrvPageRecord* record) { released.Add(record); }
 };
 
-}  // namespace
-
-long OrvWebPageCountEstimateImpl::EstimateCount(const char* url, long length) {
-  OrvString entry(url ? url : "", url ? length : 0);
+// What one EstimateCount owns while it runs, destroyed in the reverse order.
+struct Crawl {
   OrvHttp client;
   OrvString body;
   OrvPageQueue queue;
   PageRecords records;
-  OrvStrMap<OrvPageRecord*> shapes;
+  OrvStrMap<OrvPageRecord*> shapes;  // parameter-name key to the record heading the shape
   OrvHtml document;
+};
 
-  SetEntryUrl(entry);
-  OrvPageRecord* first = records.New();
-  first->url = entryUrl.url;
-  OrvWebPageUrl::GetParamNames(first->key, entryUrl);
-  queue.AddHead(first);
-
-  while (OrvPageRecord* record = queue.RemoveHead()) {
-    int found = 0;
-    OrvPageRecord** head =
-        shapes.Insert(record->key.buf ? record->key.buf : "", record->key.len, &found);
-    if (found) {
-      OrvPageRecord* shape = *head;
-      if (shape->state != ORV_PAGE_LISTING)
-        shape->sightings = int32_t(uint32_t(shape->sightings) + 1u);
-      records.Free(record);
-    } else {
-      *head = record;
-      bool read = client.Run(record->url.buf, record->url.len, ORV_HTTP_METHOD(0)) == 0;
-      if (read) {
-        client.GetBody(body);
-        read = document.Open(body.buf, body.len, ORV_CHARSET(0)) == 0;
-      }
-      if (read) {
-        OrvHarvestWalk walk;
-        walk.go = 1;
-        walk.harvest = this;
-        walk.HarvestPage(document.root, 1);
-        AnalysePage();
-        record->sightings = 1;
-        record->estimate = pageEstimate;
-        if (textNodes.map.count > 0) {
-          record->state = ORV_PAGE_CONTENT;
-        } else {
-          record->state = record->estimate > 1 ? ORV_PAGE_LISTING : ORV_PAGE_PLAIN;
-          for (uint32_t i = 0; i < pageUrls.count; i++) {
-            const char* text = nullptr;
-            int32_t textLen = 0;
-            OrvString* key = *pageUrls.GetAt(i, &text, &textLen);
-            OrvPageRecord* next = records.New();
-            next->url.CopyBuf(text, textLen);
-            next->key = *key;
-            queue.AddTail(next);
-          }
-        }
-      }
-    }
-    ResetPage();
-    document.Close();
+// The record becomes the head of its shape, or adds a sighting to the head
+// there is and is given back. True for a new shape.
+bool IsNewShape(Crawl& crawl, OrvPageRecord* record) {
+  int found = 0;
+  OrvPageRecord** head =
+      crawl.shapes.Insert(record->key.buf ? record->key.buf : "", record->key.len, &found);
+  if (!found) {
+    *head = record;
+    return true;
   }
+  OrvPageRecord* shape = *head;
+  if (shape->state != ORV_PAGE_LISTING) shape->sightings = int32_t(uint32_t(shape->sightings) + 1u);
+  crawl.records.Free(record);
+  return false;
+}
 
+bool FetchAndOpen(Crawl& crawl, const OrvPageRecord& record) {
+  if (crawl.client.Run(record.url.buf, record.url.len, ORV_HTTP_METHOD(0)) != 0) return false;
+  crawl.client.GetBody(crawl.body);
+  return crawl.document.Open(crawl.body.buf, crawl.body.len, ORV_CHARSET(0)) == 0;
+}
+
+// Harvests and analyses the open page, settles what its record is, and
+// queues its URLs unless it is a content page.
+void ReadPage(OrvWebPageCountEstimateImpl& estimator, Crawl& crawl, OrvPageRecord* record) {
+  OrvHarvestWalk walk;
+  walk.go = 1;
+  walk.harvest = &estimator;
+  walk.HarvestPage(crawl.document.root, 1);
+  estimator.AnalysePage();
+  record->sightings = 1;
+  record->estimate = estimator.pageEstimate;
+  record->listing = estimator.pageListing;
+  if (estimator.textNodes.map.count > 0) {
+    record->state = ORV_PAGE_CONTENT;
+    return;
+  }
+  record->state = record->estimate > 1 ? ORV_PAGE_LISTING : ORV_PAGE_PLAIN;
+  for (uint32_t i = 0; i < estimator.pageUrls.count; i++) {
+    const char* text = nullptr;
+    int32_t textLen = 0;
+    OrvString* key = *estimator.pageUrls.GetAt(i, &text, &textLen);
+    OrvPageRecord* next = crawl.records.New();
+    next->url.CopyBuf(text, textLen);
+    next->key = *key;
+    crawl.queue.AddTail(next);
+  }
+}
+
+// Sums estimate times sightings over the shapes, wrapping at 32 bits, and
+// keeps the shapes for the explanation in the same order.
+long SumShapes(Crawl& crawl, OrvEstimateExplanation& explanation) {
+  uint32_t count = crawl.shapes.count;
+  OrvPageRecord* kept = explanation.shapes.AddSlots(int32_t(count));
   uint32_t sum = 0;
-  for (uint32_t i = 0; i < shapes.count; i++) {
-    const OrvPageRecord* r = *shapes.GetAt(i);
+  for (uint32_t i = 0; i < count; i++) {
+    OrvPageRecord* r = *crawl.shapes.GetAt(i);
     sum += uint32_t(r->estimate) * uint32_t(r->sightings);
+    // The crawl's records go with it; their texts are moved, not copied.
+    kept[i].url = std::move(r->url);
+    kept[i].key = std::move(r->key);
+    kept[i].estimate = r->estimate;
+    kept[i].sightings = r->sightings;
+    kept[i].state = r->state;
+    kept[i].listing = r->listing;
+    if (r->listing >= 0) explanation.listings.items[r->listing].shape = int32_t(i);
   }
   return long(int32_t(sum));
+}
+
+}  // namespace
+
+long OrvWebPageCountEstimateImpl::EstimateCount(const char* url, long length) {
+  OrvString entry(url ? url : "", url ? length : 0);
+  Crawl crawl;
+  explanation.Clear();
+  phase.store(ORV_ESTIMATE_CRAWLING, std::memory_order_relaxed);
+
+  SetEntryUrl(entry);
+  OrvPageRecord* first = crawl.records.New();
+  first->url = entryUrl.url;
+  OrvWebPageUrl::GetParamNames(first->key, entryUrl);
+  crawl.queue.AddHead(first);
+
+  while (OrvPageRecord* record = crawl.queue.RemoveHead()) {
+    if (IsNewShape(crawl, record) && FetchAndOpen(crawl, *record)) ReadPage(*this, crawl, record);
+    ResetPage();
+    crawl.document.Close();
+  }
+
+  long sum = SumShapes(crawl, explanation);
+  phase.store(ORV_ESTIMATE_IDLE, std::memory_order_relaxed);
+  return sum;
+}
+
+void OrvWebPageCountEstimateImpl::ResetPage() {
+  running.store(1, std::memory_order_relaxed);
+  ResetLinks();
+  textNodes.Reset();
+  ClearIfUsed(textSums);
+  ClearIfUsed(pageUrls);
 }

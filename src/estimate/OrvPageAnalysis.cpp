@@ -11,6 +11,7 @@ constexpr double kLongTextMean = 70.0;
 }  // namespace
 
 void OrvWebPageCountEstimateImpl::AnalysePage() {
+  pageListing = -1;
   DetectRuns();
   PruneTextDepths();
   CollectPageUrls();
@@ -22,7 +23,11 @@ void OrvWebPageCountEstimateImpl::AnalysePage() {
     pageEstimate = 1;
     return;
   }
-  int32_t lastPage = FindLastPage(pageTemplate);
+  pageListing = explanation.AddListing(pageTemplate, int32_t(pageUrls.count));
+  uint8_t was = phase.exchange(ORV_ESTIMATE_PROBING, std::memory_order_relaxed);
+  int32_t lastPage = FindLastPage(pageTemplate, &explanation);
+  phase.store(was, std::memory_order_relaxed);
+  explanation.listings.items[pageListing].lastPage = lastPage;
   pageEstimate = lastPage > 0 ? int32_t(uint32_t(lastPage) * pageUrls.count) : 1;
 }
 

@@ -6,6 +6,7 @@
 #include "core/OrvBlockPool.h"
 #include "core/OrvShared.h"
 #include "core/OrvStrMap.h"
+#include "estimate/OrvEstimateExplanation.h"
 #include "estimate/OrvPageHarvest.h"
 #include "estimate/OrvPageTemplate.h"
 #include "orvwebpage/OrvString.h"
@@ -18,11 +19,14 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest, public OrvShared {
   OrvStrMap<int32_t> textSums;          // non-blank bytes of that text, by depth
   OrvString textKey;
   int32_t pageEstimate = 0;
+  int32_t pageListing = -1;        // the listing of the page just analysed in explanation, or -1
   OrvStrMap<OrvString*> pageUrls;  // URL text to its parameter-name key
   OrvBlockPool<OrvString> keyStrings;
   // Cleared by StopEstimating from any thread; relaxed is enough, the flag
   // orders nothing else.
   std::atomic<uint8_t> running{1};
+  std::atomic<uint8_t> phase{ORV_ESTIMATE_IDLE};  // read by progress displays on any thread
+  OrvEstimateExplanation explanation;             // of the last run
   // Facades sharing this object.
 
   // Crawls from the URL and sums estimate times sightings over the shapes.
@@ -33,8 +37,9 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest, public OrvShared {
   void SetEntryUrl(OrvString& text) { SetEntry(text); }
   // Runs, text pruning, pageUrls and, for a listing, the last-page search.
   void AnalysePage();
-  // Number of pages of the listing the template describes, or -1.
-  int32_t FindLastPage(const OrvPageTemplate& pageTemplate);
+  // Number of pages of the listing the template describes, or -1. Each probe
+  // goes to the log's last listing, if a log is given.
+  int32_t FindLastPage(const OrvPageTemplate& pageTemplate, OrvEstimateExplanation* log = nullptr);
   // Forgets everything the last page produced except keyStrings.
   void ResetPage();
 

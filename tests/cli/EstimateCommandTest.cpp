@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <climits>
 #include <nlohmann/json.hpp>
 
 #include "support/RunTool.h"
@@ -107,12 +108,14 @@ TEST(EstimateCommand, ReportsWhatTheSiteServed) {
     const char* profile;
     long minEstimate;
     long maxEstimate;
+    const char* explained;  // a line of --explain's readable form
   };
   const Case cases[] = {
-      {"single", 1, 1},
-      {"nocrawl", 0, 0},
-      {"shapes", 1, 1000},
-      {"fail5", 1, 1000},
+      {"single", 1, 1, "  [No Query String]  plain   1 x 1 = 1  "},
+      {"nocrawl", 0, 0, "    last page: 8 x 0 URLs on its page\n"},
+      {"shapes", 1, 1000, "  ref                unread  0 x 1 = 0  "},
+      {"fail5", 1, 1000,
+       "    probes: 100 404, 50 404, 25 404, 13 404, 7 404, 4 ok to 5, 5 ok to 4\n"},
   };
   for (const auto& c : cases) {
     SampleSite site({"--profile", c.profile});
@@ -125,6 +128,28 @@ TEST(EstimateCommand, ReportsWhatTheSiteServed) {
     EXPECT_GE(estimate, c.minEstimate) << c.profile;
     EXPECT_LE(estimate, c.maxEstimate) << c.profile;
     EXPECT_EQ(json["requests"], site.LogLines().size()) << c.profile;
+
+    // The explanation adds up to the estimate, after the four fields.
+    run = RunTool({ToolPath("orvwebpage"), "estimate", "--json", "--explain", site.Url("/")}, 60);
+    ASSERT_EQ(run.status, 0) << c.profile << ": " << run.err;
+    auto explained = nlohmann::ordered_json::parse(run.out, nullptr, false);
+    ASSERT_TRUE(explained.is_object()) << c.profile << ": " << run.out;
+    std::vector<std::string> keys;
+    for (auto& item : explained.items()) keys.push_back(item.key());
+    EXPECT_EQ(keys, (std::vector<std::string>{"url", "estimate", "requests", "seconds", "shapes",
+                                              "listings"}));
+    long pages = 0;
+    long previous = LONG_MAX;
+    for (const auto& shape : explained["shapes"]) {
+      long shapePages = shape["pages"];
+      EXPECT_LE(shapePages, previous) << c.profile << ": largest first";
+      previous = shapePages;
+      pages += shapePages;
+    }
+    EXPECT_EQ(pages, estimate) << c.profile;
+    run = RunTool({ToolPath("orvwebpage"), "estimate", "--explain", site.Url("/")}, 60);
+    ASSERT_EQ(run.status, 0) << c.profile << ": " << run.err;
+    EXPECT_NE(run.out.find(c.explained), std::string::npos) << c.profile << ": " << run.out;
   }
 }
 

@@ -16,6 +16,8 @@
 #include <string>
 
 #include "Command.h"
+#include "EstimateExplain.h"
+#include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvString.h"
@@ -34,6 +36,7 @@ struct EstimateOptions {
   std::string userAgent;    // empty: the library's own
   std::string hosts;        // empty: requests may go anywhere
   bool json = false;
+  bool explain = false;
 };
 
 // Longer limits than this are no limits for a crawl, and keep the
@@ -125,70 +128,104 @@ std::string FormatSeconds(double seconds) {
   return text;
 }
 
-void ShowProgress(const OrvHttpProgress& p, void* context) {
-  static_cast<ProgressLine*>(context)->Show(p.requests, p.bytes, p.url ? p.url : "");
-}
+// What one run gave, the explanation only when asked for.
+struct EstimateRun {
+  long estimate = 0;
+  int64_t requests = 0;
+  int64_t fetches = 0;  // requests that started a fetch: a redirect chain counts once
+  int64_t bytes = 0;
+  bool spent = false;
+  double seconds = 0;
+  Explanation explanation;
+};
 
-int RunEstimate(const EstimateOptions& o) {
+OrvHttpSettings LimitsOf(const EstimateOptions& o) {
   OrvHttpSettings settings = OrvHttpLimits::Get();
   settings.maxRequests = o.maxRequests;
   if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
-  if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
+  return settings;
+}
 
-  std::string warning = SiteDomainWarning(o.url);
-  if (!warning.empty()) std::cerr << warning << std::endl;
+struct Progress {
+  ProgressLine line{STDERR_FILENO};
+  OrvWebPageCountEstimate* estimator;
+};
 
-  std::unique_ptr<ProgressLine> progress;
+// Runs on the estimator's thread, between its requests' bytes.
+void ShowProgress(const OrvHttpProgress& p, void* context) {
+  auto* progress = static_cast<Progress*>(context);
+  bool probing = progress->estimator->GetPhase() == ORV_ESTIMATE_PROBING;
+  progress->line.Show(p.requests, p.bytes, p.url ? p.url : "",
+                      probing ? "probing a listing" : "crawling");
+}
+
+EstimateRun Estimate(const EstimateOptions& o) {
+  OrvWebPageCountEstimate estimator;
+  std::unique_ptr<Progress> progress;
   if (isatty(STDERR_FILENO)) {
-    progress = std::make_unique<ProgressLine>(STDERR_FILENO);
+    progress.reset(new Progress{.estimator = &estimator});
     OrvHttpLimits::SetProgress(ShowProgress, progress.get());
   }
 
+  if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
+  std::string warning = SiteDomainWarning(o.url);
+  if (!warning.empty()) std::cerr << warning << std::endl;
+
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();
-  OrvHttpLimits::Set(settings);  // starts the deadline's clock
-  OrvWebPageCountEstimate estimator;
+  OrvHttpLimits::Set(LimitsOf(o));  // starts the deadline's clock
   std::string url = o.url;
-  long estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
-  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  int64_t requests = OrvHttpLimits::GetRequests();
-  int64_t fetches = OrvHttpLimits::GetFetches();
-  int64_t bytes = OrvHttpLimits::GetBytes();
-  bool spent = OrvHttpLimits::IsSpent() != 0;
+  EstimateRun run;
+  run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+  run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  run.requests = OrvHttpLimits::GetRequests();
+  run.fetches = OrvHttpLimits::GetFetches();
+  run.bytes = OrvHttpLimits::GetBytes();
+  run.spent = OrvHttpLimits::IsSpent() != 0;
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
-    progress->Clear();
+    progress->line.Clear();
   }
+  if (o.explain) run.explanation = ReadExplanation(estimator);
+  return run;
+}
 
+void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
+  if (o.json) {
+    nlohmann::ordered_json out;
+    out["url"] = o.url;
+    out["estimate"] = run.estimate;
+    out["requests"] = run.requests;
+    out["seconds"] = run.seconds;
+    if (o.explain) AddExplanation(run.explanation, out);
+    PrintJson(out, kOneLine);
+    return;
+  }
+  std::cout << "url:      " << o.url << "\n"
+            << "estimate: " << run.estimate << " pages\n"
+            << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
+            << "seconds:  " << FormatSeconds(run.seconds) << "\n";
+  if (o.explain) PrintExplanation(run.explanation, std::cout);
+}
+
+int RunEstimate(const EstimateOptions& o) {
+  EstimateRun run = Estimate(o);
   // Nothing could be read when the estimate is 0 and at most the entry was
   // asked for (its redirects included). A read entry page can give 0 as well
   // (a listing whose pages hold no crawlable link), but finding that
   // listing's last page takes probes, so such a run has fetched more pages.
-  if (estimate == 0 && fetches <= 1)
+  if (run.estimate == 0 && run.fetches <= 1)
     throw CommandError(
         "cannot read " + o.url +
         (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty()
              ? ": its host is not among --hosts"
-         : spent ? ": the deadline or the request budget ran out first"
-                 : ": no readable page came back"));
-
-  if (o.json) {
-    nlohmann::ordered_json out;
-    out["url"] = o.url;
-    out["estimate"] = estimate;
-    out["requests"] = requests;
-    out["seconds"] = seconds;
-    std::cout << out.dump() << "\n";
-  } else {
-    std::cout << "url:      " << o.url << "\n"
-              << "estimate: " << estimate << " pages\n"
-              << "requests: " << requests << " (" << ShortByteCount(bytes) << ")\n"
-              << "seconds:  " << FormatSeconds(seconds) << "\n";
-  }
+         : run.spent ? ": the deadline or the request budget ran out first"
+                     : ": no readable page came back"));
+  PrintRun(o, run);
   return 0;
 }
 
@@ -211,5 +248,8 @@ Command AddEstimateCommand(CLI::App& parent) {
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
       ->check(kHostPatterns);
   app->add_flag("--json", o->json, "print one JSON document: url, estimate, requests, seconds");
+  app->add_flag("--explain", o->explain,
+                "also print what the estimate is made of: its shapes, and each listing's pager "
+                "and probes");
   return {app, [o] { return RunEstimate(*o); }};
 }

@@ -5,8 +5,11 @@
 
 // Prints the one JSON document of a command's --json output. Texts from URLs
 // and pages are bytes, not UTF-8: an invalid sequence shows as U+FFFD instead
-// of making the dump throw.
+// of making the dump throw. An indent of kOneLine prints the document on one
+// line.
+constexpr int kOneLine = -1;
+
 template <class Json>
-void PrintJson(const Json& doc) {
-  std::cout << doc.dump(2, ' ', false, Json::error_handler_t::replace) << "\n";
+void PrintJson(const Json& doc, int indent = 2) {
+  std::cout << doc.dump(indent, ' ', false, Json::error_handler_t::replace) << "\n";
 }

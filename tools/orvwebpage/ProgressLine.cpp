@@ -46,12 +46,16 @@ ProgressLine::ProgressLine(int fd) : fd(fd) {}
 
 ProgressLine::~ProgressLine() { Clear(); }
 
-void ProgressLine::Show(long requestCount, int64_t byteCount, const std::string& current) {
+void ProgressLine::Show(long requestCount, int64_t byteCount, const std::string& current,
+                        const std::string& doing) {
   requests = requestCount;
   bytes = byteCount;
   url = current;
+  // A new phase is drawn at once: probing often takes only a request or two.
+  bool changed = doing != phase;
+  phase = doing;
   auto now = std::chrono::steady_clock::now();
-  if (drawn && now - lastDraw < kRedrawEvery) return;
+  if (drawn && !changed && now - lastDraw < kRedrawEvery) return;
   lastDraw = now;
   Draw();
 }
@@ -67,6 +71,7 @@ void ProgressLine::Clear() {
 void ProgressLine::Draw() {
   std::string line = std::to_string(requests) + (requests == 1 ? " request, " : " requests, ") +
                      ShortByteCount(bytes);
+  if (!phase.empty()) line += ", " + phase;
   // The URL is cut to the terminal's width so the line never wraps: a wrapped
   // line could not be redrawn in place.
   size_t room = static_cast<size_t>(TerminalWidth(fd)) - 1;
