@@ -144,6 +144,6 @@ void OrvWebPageCountEstimateImpl::ResetPage() {
   running.store(1, std::memory_order_relaxed);
   ResetLinks();
   textNodes.Reset();
-  ClearIfUsed(textSums);
-  ClearIfUsed(pageUrls);
+  OrvClearIfUsed(textSums);
+  OrvClearIfUsed(pageUrls);
 }

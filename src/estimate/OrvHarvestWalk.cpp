@@ -42,7 +42,7 @@ void CopyTarget(OrvWebPageUrl& url, const var_attr* target) {
 // A run of text that states a number inside a link with a target becomes a
 // number link, whatever its target is.
 bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth, const var_item_pos& link) {
-  if (!item->text || !IsVisibleText(item) || !IsNumberText(item->text, item->text_len))
+  if (!item->text || !IsVisibleText(item) || !OrvIsNumberText(item->text, item->text_len))
     return false;
   if (!link.item) return false;
   var_attr* target = FindLinkAttr(link.item->attr_list);
@@ -56,7 +56,7 @@ bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth, const var_item
   CopyTarget(record->link, target);
   record->link.Parse(1);
   h.CompleteUrl(record->link);
-  FormatDepth(h.scratchKey, depth);
+  OrvFormatDepth(h.scratchKey, depth);
   h.numbers.Add(h.scratchKey, record);
   return true;
 }
@@ -94,7 +94,7 @@ void TextStep(OrvWebPageCountEstimateImpl& e, var_item* item, int32_t depth,
   OrvTextNode* record = e.textNodes.records.Alloc();
   record->item = item;
   record->depth = depth;
-  FormatDepth(e.textKey, depth);
+  OrvFormatDepth(e.textKey, depth);
   e.textNodes.Add(e.textKey, record);
   int found = 0;
   int32_t* sum = e.textSums.Insert(e.textKey.buf, e.textKey.len, &found);

@@ -11,7 +11,7 @@
 // buckets; an empty map is skipped so that resetting after each of many
 // repeated URLs costs nothing. Clear of an empty map would change nothing.
 template <class V>
-void ClearIfUsed(OrvStrMap<V>& map) {
+void OrvClearIfUsed(OrvStrMap<V>& map) {
   if (map.count || map.flat || map.keysUsed) map.Clear();
 }
 
@@ -54,7 +54,7 @@ struct OrvKeyedList {
 
   // Forgets the page: the map keeps its arrays, the pools give theirs back.
   void Reset() {
-    ClearIfUsed(map);
+    OrvClearIfUsed(map);
     lists.FreeBlocks();
     records.FreeBlocks();
   }

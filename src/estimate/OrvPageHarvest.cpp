@@ -54,13 +54,13 @@ bool OrvPageHarvest::AddLink(OrvLinkRecord* record) {
 }
 
 void OrvPageHarvest::ResetLinks() {
-  ClearIfUsed(listedUrls);
+  OrvClearIfUsed(listedUrls);
   links.Reset();
   numbers.Reset();
   runs.Reset();
 }
 
-bool IsNumberText(const char* text, long length) {
+bool OrvIsNumberText(const char* text, long length) {
   for (long i = 0; i < length; i++) {
     char c = text[i];
     if (!((c >= '0' && c <= '9') || c == ' ' || c == ',')) return false;
@@ -74,7 +74,7 @@ bool HasListedExtension(const OrvWebPageUrl& url, OrvStrArray& list) {
   return false;
 }
 
-void FormatDepth(OrvString& key, int32_t depth) {
+void OrvFormatDepth(OrvString& key, int32_t depth) {
   char digits[16];
   char* end = digits + sizeof digits;
   char* p = end;

@@ -71,8 +71,8 @@ struct OrvHarvestWalk {
 };
 
 // Every byte is one of "0123456789 ,"; a length below 1 says yes.
-bool IsNumberText(const char* text, long length);
+bool OrvIsNumberText(const char* text, long length);
 // The extension equals one entry of the list, letters folded.
 bool HasListedExtension(const OrvWebPageUrl& url, OrvStrArray& list);
 // The decimal text of a depth, as "%d" writes it.
-void FormatDepth(OrvString& key, int32_t depth);
+void OrvFormatDepth(OrvString& key, int32_t depth);

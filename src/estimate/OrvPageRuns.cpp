@@ -31,7 +31,7 @@ void OrvPageHarvest::DetectRuns() {
       OrvNumberLink* b = numbers.At(list, i - 1);
       OrvNumberLink* c = numbers.At(list, i);
       if (!IsRisingRun(*a, *b, *c)) continue;
-      FormatDepth(scratchKey, a->link.depth);
+      OrvFormatDepth(scratchKey, a->link.depth);
       runs.Add(scratchKey, a, DifferentPointer);
       runs.Add(scratchKey, b, DifferentPointer);
       runs.Add(scratchKey, c, DifferentPointer);

@@ -28,7 +28,7 @@ int32_t FindChangedParam(const OrvUrlParam* a, int32_t aCount, const OrvUrlParam
   return -1;
 }
 
-void CopyLinkRecord(OrvLinkRecord& to, const OrvLinkRecord& from) {
+void OrvCopyLinkRecord(OrvLinkRecord& to, const OrvLinkRecord& from) {
   if (&to == &from) return;
   to.url = from.url;
   to.scheme = from.scheme;
@@ -54,7 +54,7 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
     if (k < 0) continue;
     int32_t pv = ValueNumber(p->link.params[k]);
     int32_t cv = ValueNumber(c->link.params[k]);
-    CopyLinkRecord(pageTemplate, c->link);
+    OrvCopyLinkRecord(pageTemplate, c->link);
     pageTemplate.paramIndex = k;
     pageTemplate.step = Divide(Minus(cv, pv), Minus(c->number, p->number));
     int32_t before = Minus(c->number, 1);
@@ -65,7 +65,7 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
 }
 
 void MakePageUrl(OrvLinkRecord& out, long page, const OrvPageTemplate& pageTemplate) {
-  CopyLinkRecord(out, pageTemplate);
+  OrvCopyLinkRecord(out, pageTemplate);
   if (pageTemplate.paramIndex < 0 || pageTemplate.paramIndex >= out.paramCount) return;
   uint32_t value =
       uint32_t(pageTemplate.step) * (uint32_t(int32_t(page)) - 1u) + uint32_t(pageTemplate.offset);

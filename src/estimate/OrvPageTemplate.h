@@ -26,4 +26,4 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
 // rebuilds the text.
 void MakePageUrl(OrvLinkRecord& out, long page, const OrvPageTemplate& pageTemplate);
 // Field-by-field copy of a link record.
-void CopyLinkRecord(OrvLinkRecord& to, const OrvLinkRecord& from);
+void OrvCopyLinkRecord(OrvLinkRecord& to, const OrvLinkRecord& from);

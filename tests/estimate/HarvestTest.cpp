@@ -293,7 +293,7 @@ TEST(HarvestEdges, NumberTextIsDigitsBlanksAndCommasOnly) {
       {"-3", 2, false},  {"1\t2", 3, false}, {"\n", 1, false},
   };
   for (const auto& c : cases)
-    EXPECT_EQ(IsNumberText(c.text, c.length), c.number) << "[" << c.text << "] " << c.length;
+    EXPECT_EQ(OrvIsNumberText(c.text, c.length), c.number) << "[" << c.text << "] " << c.length;
 }
 
 }  // namespace
