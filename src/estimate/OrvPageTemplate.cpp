@@ -28,20 +28,6 @@ int32_t FindChangedParam(const OrvUrlParam* a, int32_t aCount, const OrvUrlParam
   return -1;
 }
 
-void OrvCopyLinkRecord(OrvLinkRecord& to, const OrvLinkRecord& from) {
-  if (&to == &from) return;
-  to.url = from.url;
-  to.scheme = from.scheme;
-  to.host = from.host;
-  to.dirs = from.dirs;
-  to.stem = from.stem;
-  to.ext = from.ext;
-  OrvWebPageUrl::AssignParams(to.params, to.paramCount, to.paramCapacity, from.params,
-                              from.paramCount);
-  to.item = from.item;
-  to.depth = from.depth;
-}
-
 int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list) {
   if (list.count < 2) return -1;
   for (int32_t i = 1; i < list.count; i++) {
@@ -54,7 +40,7 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
     if (k < 0) continue;
     int32_t pv = ValueNumber(p->link.params[k]);
     int32_t cv = ValueNumber(c->link.params[k]);
-    OrvCopyLinkRecord(pageTemplate, c->link);
+    static_cast<OrvLinkRecord&>(pageTemplate) = c->link;
     pageTemplate.paramIndex = k;
     pageTemplate.step = Divide(Minus(cv, pv), Minus(c->number, p->number));
     int32_t before = Minus(c->number, 1);
@@ -65,7 +51,7 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
 }
 
 void MakePageUrl(OrvLinkRecord& out, long page, const OrvPageTemplate& pageTemplate) {
-  OrvCopyLinkRecord(out, pageTemplate);
+  out = pageTemplate;  // the link part of the template
   if (pageTemplate.paramIndex < 0 || pageTemplate.paramIndex >= out.paramCount) return;
   uint32_t value =
       uint32_t(pageTemplate.step) * (uint32_t(int32_t(page)) - 1u) + uint32_t(pageTemplate.offset);

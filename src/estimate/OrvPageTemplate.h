@@ -25,5 +25,3 @@ int32_t BuildPageTemplate(OrvPageTemplate& pageTemplate, const OrvPtrList& list)
 // The template's link with the page parameter set for that page; the caller
 // rebuilds the text.
 void MakePageUrl(OrvLinkRecord& out, long page, const OrvPageTemplate& pageTemplate);
-// Field-by-field copy of a link record.
-void OrvCopyLinkRecord(OrvLinkRecord& to, const OrvLinkRecord& from);
