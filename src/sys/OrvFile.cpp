@@ -37,6 +37,25 @@ int OpenFlags(uint32_t mode) {
   return flags;
 }
 
+// Reads or writes at the offset (-1: the position) until size bytes are done,
+// the call gives no more, or the offset would pass the largest file position;
+// interrupted calls are made again. The position ends behind the bytes done.
+template <class Call>
+uint32_t TransferAt(int own, void* buffer, uint32_t size, int64_t offset, int64_t& pos, Call call) {
+  const int64_t at = offset == -1 ? pos : offset;
+  if (own < 0 || !buffer || at < 0) return 0;
+  char* bytes = static_cast<char*>(buffer);
+  uint32_t done = 0;
+  while (done < size && uint64_t(at) + done <= uint64_t(INT64_MAX)) {
+    const ssize_t moved = call(own, bytes + done, size - done, off_t(at + done));
+    if (moved < 0 && errno == EINTR) continue;
+    if (moved <= 0) break;
+    done += uint32_t(moved);
+  }
+  pos = at + int64_t(done);
+  return done;
+}
+
 }  // namespace
 
 OrvFile::OrvFile() : fd(-1), openMode(0), inodeLow(0), deviceLow(0) {}
@@ -105,36 +124,16 @@ int OrvFile::Close() {
 
 uint32_t OrvFile::Read(void* buffer, uint32_t size, int64_t offset) {
   struct stat st;
-  const int own = OwnDescriptor(fd, inodeLow, deviceLow, &st);
-  const int64_t at = offset == -1 ? pos : offset;
-  if (own < 0 || !buffer || at < 0) return 0;
-  uint32_t done = 0;
-  while (done < size && uint64_t(at) + done <= uint64_t(INT64_MAX)) {
-    const ssize_t got =
-        pread(own, static_cast<char*>(buffer) + done, size - done, off_t(at + done));
-    if (got < 0 && errno == EINTR) continue;
-    if (got <= 0) break;
-    done += uint32_t(got);
-  }
-  pos = at + int64_t(done);
-  return done;
+  return TransferAt(
+      OwnDescriptor(fd, inodeLow, deviceLow, &st), buffer, size, offset, pos,
+      [](int own, char* bytes, uint32_t n, off_t at) { return pread(own, bytes, n, at); });
 }
 
 uint32_t OrvFile::Write(void* buffer, uint32_t size, int64_t offset) {
   struct stat st;
-  const int own = OwnDescriptor(fd, inodeLow, deviceLow, &st);
-  const int64_t at = offset == -1 ? pos : offset;
-  if (own < 0 || !buffer || at < 0) return 0;
-  uint32_t done = 0;
-  while (done < size && uint64_t(at) + done <= uint64_t(INT64_MAX)) {
-    const ssize_t put =
-        pwrite(own, static_cast<const char*>(buffer) + done, size - done, off_t(at + done));
-    if (put < 0 && errno == EINTR) continue;
-    if (put <= 0) break;
-    done += uint32_t(put);
-  }
-  pos = at + int64_t(done);
-  return done;
+  return TransferAt(
+      OwnDescriptor(fd, inodeLow, deviceLow, &st), buffer, size, offset, pos,
+      [](int own, char* bytes, uint32_t n, off_t at) { return pwrite(own, bytes, n, at); });
 }
 
 void* OrvFile::Load(int64_t offset, int64_t length, int) {
