@@ -1,5 +1,6 @@
 // Documents and visible nodes. Input: the whole of it is one page, opened
-// with each charset; every item of every class is read.
+// keeping its bytes, decoded, and decoded under a Content-Type that the
+// input's length picks from a fixed list; every item of every class is read.
 
 #include <cstdint>
 #include <vector>
@@ -34,9 +35,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::vector<char> page(data, data + size);
   volatile uint32_t sink = 0;
   OrvWebPageVisibleNodes nodes;
-  for (ORV_CHARSET charset : {ORV_CHARSET_BYTES, ORV_CHARSET_UTF8}) {
+  const char* contentTypes[] = {"text/html; charset=windows-1251", "text/html;charset=\"utf-16\"",
+                                "charset=shift_jis", "text/html; charset=utf-16be",
+                                "charset=no-such-thing"};
+  for (int round = 0; round < 3; round++) {
     OrvHtml doc;
-    if (doc.Open(page.data(), long(page.size()), charset) != 0) continue;
+    ORV_CHARSET charset = round == 0 ? ORV_CHARSET_BYTES : ORV_CHARSET_UTF8;
+    const char* contentType = round == 2 ? contentTypes[size % 5] : nullptr;
+    if (doc.Open(page.data(), long(page.size()), charset, contentType) != 0) continue;
     sink = sink + TouchTree(doc.root);
     nodes.ClassifyNodes(doc.root);
     int classes = nodes.GetClassCount();
