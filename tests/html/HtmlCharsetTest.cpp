@@ -66,6 +66,8 @@ TEST(OrvHtmlCharset, DecidesAsBrowsersDo) {
        nullptr, ORV_CHARSET_UTF8, "\xE2\x82\xAC \xC2\x81 caf\xC3\xA9"},
       {"a cut UTF-8 sequence at the end is not UTF-8", "<p>caf\xC3", nullptr, ORV_CHARSET_UTF8,
        "caf\xC3\x83"},
+      {"an overlong form is not UTF-8", "<p>\xC0\xAF", nullptr, ORV_CHARSET_UTF8,
+       "\xC3\x80\xC2\xAF"},
       {"an encoded surrogate is not UTF-8", "<p>\xED\xA0\x80", nullptr, ORV_CHARSET_UTF8,
        "\xC3\xAD\xC2\xA0\xE2\x82\xAC"},
       {"bytes stay bytes whatever HTTP says", "<p>\xCF\xF0", "text/html; charset=windows-1251",
