@@ -18,5 +18,9 @@ install(FILES ${PROJECT_BINARY_DIR}/OrvWebPageConfig.cmake
   ${PROJECT_BINARY_DIR}/OrvWebPageConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvWebPage)
 
+# The prefix is found from where the .pc file lies, so an install under any
+# --prefix (or a moved one) describes itself.
+file(RELATIVE_PATH ORV_PC_TO_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+string(REGEX REPLACE "/$" "" ORV_PC_TO_PREFIX "${ORV_PC_TO_PREFIX}")
 configure_file(cmake/orvwebpage.pc.in ${PROJECT_BINARY_DIR}/orvwebpage.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orvwebpage.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

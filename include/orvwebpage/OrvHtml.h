@@ -9,8 +9,10 @@ enum ORV_CHARSET {
   // attribute values, whatever the page declares. Characters that only a
   // reference can name (&euro;, &#x4E00;) stay in UTF-8.
   ORV_CHARSET_BYTES = 0,
-  // Decoded by the page's own declaration (byte-order mark, meta charset;
-  // undeclared pages that are not UTF-8 are read as Latin-1) into UTF-8.
+  // Decoded into UTF-8 the way browsers read a page: by its byte-order mark,
+  // else the charset of the Content-Type it came with (see OrvHtml::Open),
+  // else its meta declaration, else as UTF-8 when it is valid UTF-8, else as
+  // windows-1252.
   ORV_CHARSET_UTF8 = 1,
 };
 
@@ -39,7 +41,7 @@ class ORV_API OrvBitsDoc {
 
  protected:
   // Parses text into the tree, closing any tree held before. 0 on success.
-  int Build(char* text, long length, ORV_CHARSET charset);
+  int Build(char* text, long length, ORV_CHARSET charset, const char* contentType = nullptr);
 
  private:
   OrvDocArena* arena;
@@ -55,6 +57,10 @@ class ORV_API OrvHtml : public OrvBitsDoc {
   // 0 on success, when root holds the page's tree (null for a page without
   // items); otherwise no tree is held.
   virtual int Open(char* text, long length, ORV_CHARSET charset);
+  // The same for a page fetched over HTTP: contentType is the response's
+  // Content-Type (OrvHttp::GetContentType; null for none), whose charset
+  // ORV_CHARSET_UTF8 takes before the page's own declaration.
+  int Open(char* text, long length, ORV_CHARSET charset, const char* contentType);
 };
 
 // The document of a probed listing page; the same contract and tree as OrvHtml.

@@ -50,6 +50,10 @@ class ORV_API OrvHttp {
   // The status code of the last final response, 0 when none came.
   long GetResponseCode() const;
 
+  // Replaces type with the Content-Type header of the last final response, as
+  // sent. Gives 1, or 0 with an empty type when none came.
+  int GetContentType(OrvString& type);
+
  private:
   OrvHttpSession* session;
 };

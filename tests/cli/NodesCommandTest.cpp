@@ -98,13 +98,29 @@ TEST(NodesCommand, ReadableForm) {
             "\npage (4 texts)\n  First\n  new\n  Caf\xC3\xA9 au lait\n  Offers\n");
 }
 
-// The page's declared charset decides how its bytes read; the output is UTF-8.
+// The page's charset decides how its bytes read, as a browser decides it; the
+// output is UTF-8.
 TEST(NodesCommand, DecodesByTheDeclaredCharset) {
-  TempFile page("<meta charset=windows-1251><body>\xCF\xF0\xE8</body>");
-  ToolRun run = Nodes({"--json", page.path});
-  ASSERT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(nlohmann::json::parse(run.out),
-            nlohmann::json::parse(R"({"classes":[{"items":["При"]}]})"));
+  OneShotServer http(
+      "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=windows-1251\r\n"
+      "Connection: close\r\n\r\n<meta charset=utf-8><body>\xCF\xF0\xE8</body>");
+  TempFile declared("<meta charset=windows-1251><body>\xCF\xF0\xE8</body>");
+  TempFile undeclared("<body>\xD0\x9F\xD1\x80\xD0\xB8</body>");
+  struct Case {
+    const char* what;
+    std::string source;
+  } cases[] = {
+      {"meta declaration", declared.path},
+      {"valid UTF-8 without a declaration", undeclared.path},
+      {"HTTP charset before meta", http.Url()},
+  };
+  for (const Case& c : cases) {
+    ToolRun run = Nodes({"--json", c.source});
+    ASSERT_EQ(run.status, 0) << c.what << ": " << run.err;
+    EXPECT_EQ(nlohmann::json::parse(run.out),
+              nlohmann::json::parse(R"({"classes":[{"items":["При"]}]})"))
+        << c.what;
+  }
 }
 
 TEST(NodesCommand, PagesWithoutVisibleText) {

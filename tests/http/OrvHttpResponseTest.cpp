@@ -290,4 +290,25 @@ TEST_F(HttpResponseTest, OneClientServesManyRunsAndKeepsTheLastBody) {
   EXPECT_EQ(std::string(second.buf, size_t(second.len)), "made");
 }
 
+TEST_F(HttpResponseTest, ContentTypeOfTheFinalResponse) {
+  struct Case {
+    std::string url;
+    int result;
+    std::string type;
+  };
+  const std::vector<Case> cases = {
+      {server.Url("/ok"), 1, "text/html"},    {server.Url("/created"), 1, "text/plain"},
+      {server.Url("/moved"), 1, "text/html"}, {server.Url("/missing"), 1, "text/html"},
+      {"http://127.0.0.1:1/", 0, ""},
+  };
+  OrvHttp http;
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.url);
+    Fetch(http, c.url);
+    OrvString type("left over", -1);
+    EXPECT_EQ(http.GetContentType(type), c.result);
+    EXPECT_EQ(std::string(type.buf, size_t(type.len)), c.type);
+  }
+}
+
 }  // namespace

@@ -96,9 +96,14 @@ void PrintReadable(const std::vector<LinkClass>& classes) {
 }
 
 int RunLinks(const LinksOptions& options) {
-  std::vector<PageLink> input =
-      options.html.empty() ? ParseLinkLines(ReadInput(options.input.empty() ? "-" : options.input))
-                           : LinksOfPage(ReadPageSource(options.html));
+  std::vector<PageLink> input;
+  if (options.html.empty()) {
+    input = ParseLinkLines(ReadInput(options.input.empty() ? "-" : options.input));
+  } else {
+    std::string contentType;
+    std::string page = ReadPageSource(options.html, &contentType);
+    input = LinksOfPage(std::move(page), contentType);
+  }
   std::vector<LinkClass> classes = Classify(options.entry, input);
   if (options.json)
     PrintJson(ToJson(classes));

@@ -24,9 +24,9 @@ using TextClasses = std::vector<std::vector<std::string>>;
 
 // Texts are copied out while the document is open; the classes only point
 // into it.
-TextClasses ClassifyPage(std::string page) {
+TextClasses ClassifyPage(std::string page, const std::string& contentType) {
   OrvHtml doc;
-  if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8) != 0)
+  if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
     throw CommandError("cannot parse the page");
   OrvWebPageVisibleNodes nodes;
   nodes.ClassifyNodes(doc.root);
@@ -76,7 +76,9 @@ void PrintReadable(const TextClasses& classes) {
 }
 
 int RunNodes(const NodesOptions& options) {
-  TextClasses classes = ClassifyPage(ReadPageSource(options.source));
+  std::string contentType;
+  std::string page = ReadPageSource(options.source, &contentType);
+  TextClasses classes = ClassifyPage(std::move(page), contentType);
   if (options.json) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const auto& texts : classes) list.push_back({{"items", texts}});

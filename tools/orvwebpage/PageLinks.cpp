@@ -50,10 +50,11 @@ struct Harvest {
 
 }  // namespace
 
-std::vector<PageLink> LinksOfPage(std::string html) {
+std::vector<PageLink> LinksOfPage(std::string html, const std::string& contentType) {
   OrvHtml doc;
   Harvest harvest;
-  if (doc.Open(html.data(), long(html.size()), ORV_CHARSET_UTF8) == 0 && doc.root)
+  if (doc.Open(html.data(), long(html.size()), ORV_CHARSET_UTF8, contentType.c_str()) == 0 &&
+      doc.root)
     WalkItems(doc.root, 1, &Harvest::Visit, &harvest);
   doc.Close();
   for (PageLink& link : harvest.links)

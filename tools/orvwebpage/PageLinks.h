@@ -12,4 +12,5 @@ struct PageLink {
 // The `a` elements of an HTML page that have a link target, in document
 // order: the target as written, and the text below the element, its runs
 // joined by a space and every stretch of blanks made one space.
-std::vector<PageLink> LinksOfPage(std::string html);
+// contentType is the Content-Type the page came with, empty for none.
+std::vector<PageLink> LinksOfPage(std::string html, const std::string& contentType = "");

@@ -17,7 +17,8 @@ bool IsWebUrl(const std::string& source) {
 
 }  // namespace
 
-std::string ReadPageSource(const std::string& source) {
+std::string ReadPageSource(const std::string& source, std::string* contentType) {
+  if (contentType) contentType->clear();
   if (!IsWebUrl(source)) return ReadInput(source);
   OrvHttp http;
   std::vector<char> url(source.begin(), source.end());
@@ -28,7 +29,8 @@ std::string ReadPageSource(const std::string& source) {
     throw CommandError("cannot fetch " + source +
                        (code ? " (HTTP status " + std::to_string(code) + ")" : ""));
   }
-  OrvString body;
+  OrvString body, type;
   http.GetBody(body);
+  if (contentType && http.GetContentType(type)) contentType->assign(type.buf, size_t(type.len));
   return body.len > 0 ? std::string(body.buf, size_t(body.len)) : std::string();
 }

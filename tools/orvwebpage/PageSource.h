@@ -4,4 +4,6 @@
 
 // The bytes of a page: fetched when source is an http or https URL, else
 // read from that file ("-" for stdin). Throws CommandError when neither works.
-std::string ReadPageSource(const std::string& source);
+// contentType, when given, receives the Content-Type a fetched page came with
+// (empty for a file), which decides its decoding before the page's own say.
+std::string ReadPageSource(const std::string& source, std::string* contentType = nullptr);

@@ -16,10 +16,10 @@ int OrvBitsDoc::Close() {
   return 0;
 }
 
-int OrvBitsDoc::Build(char* text, long length, ORV_CHARSET charset) {
+int OrvBitsDoc::Build(char* text, long length, ORV_CHARSET charset, const char* contentType) {
   Close();
   if (!arena) arena = OrvNew<OrvDocArena>();
-  int result = OrvBuildHtmlTree(text, length, charset, *arena, root);
+  int result = OrvBuildHtmlTree(text, length, charset, contentType, *arena, root);
   if (result != 0) Close();
   return result;
 }
@@ -28,6 +28,9 @@ OrvHtml::OrvHtml() = default;
 OrvHtml::~OrvHtml() = default;
 int OrvHtml::Open(char* text, long length, ORV_CHARSET charset) {
   return Build(text, length, charset);
+}
+int OrvHtml::Open(char* text, long length, ORV_CHARSET charset, const char* contentType) {
+  return Build(text, length, charset, contentType);
 }
 
 OrvHtmlDoc::OrvHtmlDoc() = default;

@@ -12,6 +12,7 @@
 #include "platform/html/OrvHtmlNames.h"
 #include "platform/html/OrvNameCache.h"
 #include "platform/html/OrvPageBytes.h"
+#include "platform/html/OrvPageCharset.h"
 #include "platform/html/OrvPageTaming.h"
 #include "platform/html/OrvQuietParser.h"
 
@@ -213,10 +214,48 @@ htmlSAXHandler MakeHandler() {
 
 std::once_flag parserReady;
 
+// Fixes the encoding of the parse: declarations met while parsing change
+// nothing, as the decision was made before.
+void UseEncoding(htmlParserCtxtPtr ctxt, xmlCharEncoding known, xmlCharEncodingHandlerPtr handler,
+                 const char* name) {
+  if (handler)
+    xmlSwitchToEncoding(ctxt, handler);
+  else
+    xmlSwitchEncoding(ctxt, known);
+  xmlFree(const_cast<xmlChar*>(ctxt->encoding));
+  ctxt->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>(name));
+  ctxt->options |= HTML_PARSE_IGNORE_ENC;
+}
+
+void UseDecided(htmlParserCtxtPtr ctxt, const OrvPageCharset& decided) {
+  switch (decided.kind) {
+    case OrvPageCharsetKind::kUtf8:
+      UseEncoding(ctxt, XML_CHAR_ENCODING_UTF8, nullptr, "UTF-8");
+      break;
+    case OrvPageCharsetKind::kWindows1252:  // too large to convert beforehand
+      UseEncoding(ctxt, XML_CHAR_ENCODING_8859_1, nullptr, "ISO-8859-1");
+      break;
+    case OrvPageCharsetKind::kUtf16Le:
+      UseEncoding(ctxt, XML_CHAR_ENCODING_UTF16LE, nullptr, "UTF-16LE");
+      break;
+    case OrvPageCharsetKind::kUtf16Be:
+      UseEncoding(ctxt, XML_CHAR_ENCODING_UTF16BE, nullptr, "UTF-16BE");
+      break;
+    case OrvPageCharsetKind::kOther: {
+      xmlCharEncodingHandlerPtr handler = xmlFindCharEncodingHandler(decided.label);
+      if (handler)
+        UseEncoding(ctxt, XML_CHAR_ENCODING_ERROR, handler, decided.label);
+      else
+        UseEncoding(ctxt, XML_CHAR_ENCODING_8859_1, nullptr, "ISO-8859-1");
+      break;
+    }
+  }
+}
+
 }  // namespace
 
-int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocArena& arena,
-                     var_item*& root) {
+int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
+                     OrvDocArena& arena, var_item*& root) {
   root = nullptr;
   if (!text) length = 0;
   if (length < 0) length = long(std::strlen(text));
@@ -225,13 +264,29 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocA
   std::call_once(parserReady, [] { xmlInitParser(); });
 
   size_t size = size_t(length);
-  char* cleaned = OrvTamePage(text, size, charset != ORV_CHARSET_BYTES);
+  OrvPageCharset decided;
+  if (charset != ORV_CHARSET_BYTES) decided = OrvDecidePageCharset(text, size, contentType);
+  bool wide =
+      decided.kind == OrvPageCharsetKind::kUtf16Le || decided.kind == OrvPageCharsetKind::kUtf16Be;
+  char* cleaned = OrvTamePage(text, size, wide);
+  const char* page = cleaned ? cleaned : text;
+  if (charset != ORV_CHARSET_BYTES && size >= decided.bomLength) {
+    page += decided.bomLength;
+    size -= decided.bomLength;
+  }
+  if (decided.kind == OrvPageCharsetKind::kWindows1252 && size <= size_t(INT_MAX) / 3) {
+    char* utf8 = static_cast<char*>(OrvAllocBytes(3 * size));
+    size = OrvWindows1252ToUtf8(utf8, reinterpret_cast<const unsigned char*>(page), size);
+    OrvFreeBytes(cleaned);
+    page = cleaned = utf8;
+    decided.kind = OrvPageCharsetKind::kUtf8;
+  }
   if (size == 0) {
     OrvFreeBytes(cleaned);
     return 0;
   }
   OrvQuietParser quiet;
-  htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(cleaned ? cleaned : text, int(size));
+  htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(page, int(size));
   if (!ctxt) {
     OrvFreeBytes(cleaned);
     return 1;
@@ -246,10 +301,9 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocA
   if (charset == ORV_CHARSET_BYTES) {
     // Every byte a character of its own, whatever the page claims; setting the
     // context's encoding also keeps byte-order marks from being looked for.
-    xmlSwitchEncoding(ctxt, XML_CHAR_ENCODING_8859_1);
-    xmlFree(const_cast<xmlChar*>(ctxt->encoding));
-    ctxt->encoding = xmlStrdup(reinterpret_cast<const xmlChar*>("ISO-8859-1"));
-    ctxt->options |= HTML_PARSE_IGNORE_ENC;
+    UseEncoding(ctxt, XML_CHAR_ENCODING_8859_1, nullptr, "ISO-8859-1");
+  } else {
+    UseDecided(ctxt, decided);
   }
   htmlParseDocument(ctxt);
   builder.FlushText();

@@ -6,6 +6,7 @@
 
 // Parses a page with the HTML parser and builds its var_item forest in arena.
 // Returns 0 and the first top-level item (null for a page without items), or
-// non-zero when the page cannot be handed to the parser at all.
-int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, OrvDocArena& arena,
-                     var_item*& root);
+// non-zero when the page cannot be handed to the parser at all. contentType
+// (may be null) is the Content-Type the page came with; only decoding reads it.
+int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
+                     OrvDocArena& arena, var_item*& root);

@@ -22,6 +22,7 @@ struct OrvHttpSession {
   int tooLarge = 0;
   int hasBody = 0;
   long responseCode = 0;
+  OrvString contentType;  // of the last final response; empty when it named none
 };
 
 namespace {
@@ -111,6 +112,10 @@ ORV_HTTP_STATUS Transfer(OrvHttpSession& s, const OrvHttpAdmission& admission, i
   long responseCode = 0;
   curl_easy_getinfo(s.curl, CURLINFO_RESPONSE_CODE, &responseCode);
   s.responseCode = responseCode;
+  const char* type = nullptr;
+  s.contentType.Clear();
+  if (curl_easy_getinfo(s.curl, CURLINFO_CONTENT_TYPE, &type) == CURLE_OK && type)
+    s.contentType.CopyBuf(type, -1);
   ORV_HTTP_STATUS status = StatusOf(code, s);
   OrvHttpNoteFinished(s.url.buf);
   if (status == ORV_HTTP_NOT_2XX && responseCode >= 300 && responseCode <= 399 &&
@@ -142,6 +147,7 @@ ORV_HTTP_STATUS OrvHttp::Run(char* url, long length, ORV_HTTP_METHOD method) {
   s.hasBody = 0;
   s.responseCode = 0;
   s.body.Clear();
+  s.contentType.Clear();
   if (method != ORV_HTTP_GET || !url) return ORV_HTTP_BAD_REQUEST;
   if (length < 0) length = Orvstrlen(url);
   // libcurl reads up to the first NUL, which would be another URL than asked.
@@ -178,3 +184,8 @@ int OrvHttp::GetBody(OrvString& body) {
 }
 
 long OrvHttp::GetResponseCode() const { return session->responseCode; }
+
+int OrvHttp::GetContentType(OrvString& type) {
+  type.CopyBuf(session->contentType.buf, session->contentType.len);
+  return session->contentType.len > 0 ? 1 : 0;
+}

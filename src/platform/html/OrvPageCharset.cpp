@@ -1,0 +1,291 @@
+#include "platform/html/OrvPageCharset.h"
+
+#include <libxml/encoding.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+using Kind = OrvPageCharsetKind;
+
+// Browsers look for the declaration before the body; past this many bytes
+// a page is taken to have none.
+constexpr size_t kMetaWindow = 64 * 1024;
+
+bool IsSpace(unsigned char c) {
+  return c == 0x09 || c == 0x0A || c == 0x0C || c == 0x0D || c == 0x20;
+}
+bool IsLetter(unsigned char c) { return (c | 0x20) >= 'a' && (c | 0x20) <= 'z'; }
+char Lower(unsigned char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : char(c); }
+
+bool StartsCaseBlind(const char* p, size_t n, const char* lower) {
+  size_t len = std::strlen(lower);
+  if (n < len) return false;
+  for (size_t k = 0; k < len; k++) {
+    if (Lower(uint8_t(p[k])) != lower[k]) return false;
+  }
+  return true;
+}
+
+// A bounded text gathered from the page; too long marks it as no label at all.
+struct Label {
+  char text[64] = {0};
+  size_t length = 0;
+  bool tooLong = false;
+  bool present = false;
+
+  void Clear() { *this = Label(); }
+  void Add(char c) {
+    if (length + 1 < sizeof text)
+      text[length++] = c;
+    else
+      tooLong = true;
+  }
+  bool Is(const char* lower) const { return !tooLong && std::strcmp(text, lower) == 0; }
+};
+
+bool OneOf(const Label& label, std::initializer_list<const char*> names) {
+  for (const char* name : names) {
+    if (label.Is(name)) return true;
+  }
+  return false;
+}
+
+// The encoding a label names, or false when the parser knows none by it.
+bool Resolve(const char* text, size_t length, bool fromMeta, OrvPageCharset& out) {
+  while (length && IsSpace(uint8_t(*text))) text++, length--;
+  while (length && IsSpace(uint8_t(text[length - 1]))) length--;
+  Label label;
+  for (size_t i = 0; i < length; i++) label.Add(Lower(uint8_t(text[i])));
+  if (label.tooLong || label.length == 0) return false;
+  if (OneOf(label, {"utf-8", "utf8", "unicode-1-1-utf-8", "unicode11utf8", "unicode20utf8",
+                    "x-unicode20utf8"})) {
+    out.kind = Kind::kUtf8;
+  } else if (OneOf(label, {"windows-1252", "cp1252", "x-cp1252", "iso-8859-1", "iso8859-1",
+                           "iso88591", "iso_8859-1", "iso_8859-1:1987", "latin1", "l1", "cp819",
+                           "ibm819", "iso-ir-100", "csisolatin1", "us-ascii", "ascii",
+                           "ansi_x3.4-1968", "x-user-defined"})) {
+    out.kind = Kind::kWindows1252;
+  } else if (OneOf(label, {"utf-16", "utf-16le", "unicode", "ucs-2", "csunicode", "iso-10646-ucs-2",
+                           "unicodefeff"})) {
+    // A page that could be read to its meta is no UTF-16 page.
+    out.kind = fromMeta ? Kind::kUtf8 : Kind::kUtf16Le;
+  } else if (OneOf(label, {"utf-16be", "unicodefffe"})) {
+    out.kind = fromMeta ? Kind::kUtf8 : Kind::kUtf16Be;
+  } else {
+    if (OneOf(label, {"gb2312", "gbk", "x-gbk", "csgb2312", "chinese", "gb_2312", "gb_2312-80",
+                      "iso-ir-58", "csiso58gb231280"}))
+      std::strcpy(label.text, "gb18030");  // the superset browsers decode these as
+    xmlCharEncodingHandlerPtr handler = xmlFindCharEncodingHandler(label.text);
+    if (!handler) return false;
+    xmlCharEncCloseFunc(handler);
+    out.kind = Kind::kOther;
+    std::memcpy(out.label, label.text, sizeof out.label);
+  }
+  return true;
+}
+
+// The charset parameter of a Content-Type value, or of a meta content.
+bool CharsetParameter(const char* p, size_t n, const char*& value, size_t& length) {
+  size_t i = 0;
+  for (;;) {
+    while (i < n && !StartsCaseBlind(p + i, n - i, "charset")) i++;
+    if (i >= n) return false;
+    i += 7;
+    while (i < n && IsSpace(uint8_t(p[i]))) i++;
+    if (i >= n || p[i] != '=') continue;
+    i++;
+    while (i < n && IsSpace(uint8_t(p[i]))) i++;
+    if (i < n && (p[i] == '"' || p[i] == '\'')) {
+      const void* close = std::memchr(p + i + 1, p[i], n - i - 1);
+      if (!close) return false;
+      value = p + i + 1;
+      length = size_t(static_cast<const char*>(close) - value);
+      return true;
+    }
+    size_t from = i;
+    while (i < n && !IsSpace(uint8_t(p[i])) && p[i] != ';') i++;
+    value = p + from;
+    length = i - from;
+    return length > 0;
+  }
+}
+
+// One attribute of a tag, as the prescan reads it: names in lower case.
+struct Attribute {
+  Label name;
+  const char* value = nullptr;
+  size_t valueLength = 0;
+};
+
+// Reads the next attribute at i, or gives false at the end of the tag.
+bool NextAttribute(const char* p, size_t n, size_t& i, Attribute& attr) {
+  while (i < n && (IsSpace(uint8_t(p[i])) || p[i] == '/')) i++;
+  if (i >= n || p[i] == '>') return false;
+  attr.name.Clear();
+  attr.value = p + i;
+  attr.valueLength = 0;
+  do {
+    attr.name.Add(Lower(uint8_t(p[i])));
+    i++;
+  } while (i < n && p[i] != '=' && p[i] != '/' && p[i] != '>' && !IsSpace(uint8_t(p[i])));
+  while (i < n && IsSpace(uint8_t(p[i]))) i++;
+  if (i >= n || p[i] != '=') return true;
+  i++;
+  while (i < n && IsSpace(uint8_t(p[i]))) i++;
+  if (i < n && (p[i] == '"' || p[i] == '\'')) {
+    char quote = p[i++];
+    size_t from = i;
+    while (i < n && p[i] != quote) i++;
+    attr.value = p + from;
+    attr.valueLength = i - from;
+    if (i < n) i++;
+    return true;
+  }
+  size_t from = i;
+  while (i < n && p[i] != '>' && !IsSpace(uint8_t(p[i]))) i++;
+  attr.value = p + from;
+  attr.valueLength = i - from;
+  return true;
+}
+
+// The charset of the first usable meta declaration before the body.
+bool MetaCharset(const char* p, size_t n, OrvPageCharset& out) {
+  if (n > kMetaWindow) n = kMetaWindow;
+  size_t i = 0;
+  while (i < n) {
+    const void* lt = std::memchr(p + i, '<', n - i);
+    if (!lt) return false;
+    i = size_t(static_cast<const char*>(lt) - p);
+    if (StartsCaseBlind(p + i, n - i, "<!--")) {
+      size_t end = i + 2;
+      while (end < n && !StartsCaseBlind(p + end, n - end, "-->")) end++;
+      i = end + 3;
+    } else if (StartsCaseBlind(p + i, n - i, "<meta") && i + 5 < n &&
+               (IsSpace(uint8_t(p[i + 5])) || p[i + 5] == '/')) {
+      i += 5;
+      bool seenHttpEquiv = false, seenContent = false, seenCharset = false;
+      bool gotPragma = false;
+      int needPragma = -1;  // -1 nothing found, 0 a charset attribute, 1 a content charset
+      const char* charset = nullptr;
+      size_t charsetLength = 0;
+      Attribute attr;
+      while (NextAttribute(p, n, i, attr)) {
+        if (attr.name.Is("http-equiv") && !seenHttpEquiv) {
+          seenHttpEquiv = true;
+          Label value;
+          for (size_t k = 0; k < attr.valueLength; k++) value.Add(Lower(uint8_t(attr.value[k])));
+          gotPragma = value.Is("content-type");
+        } else if (attr.name.Is("content") && !seenContent) {
+          seenContent = true;
+          if (!charset && CharsetParameter(attr.value, attr.valueLength, charset, charsetLength))
+            needPragma = 1;
+        } else if (attr.name.Is("charset") && !seenCharset) {
+          seenCharset = true;
+          charset = attr.value;
+          charsetLength = attr.valueLength;
+          needPragma = 0;
+        }
+      }
+      if (needPragma == -1 || (needPragma == 1 && !gotPragma) || !charset) continue;
+      if (Resolve(charset, charsetLength, true, out)) return true;
+    } else if (i + 1 < n && (IsLetter(uint8_t(p[i + 1])) ||
+                             (p[i + 1] == '/' && i + 2 < n && IsLetter(uint8_t(p[i + 2]))))) {
+      if (StartsCaseBlind(p + i, n - i, "<body") &&
+          (i + 5 >= n || IsSpace(uint8_t(p[i + 5])) || p[i + 5] == '>' || p[i + 5] == '/'))
+        return false;
+      while (i < n && !IsSpace(uint8_t(p[i])) && p[i] != '>') i++;
+      Attribute attr;
+      while (NextAttribute(p, n, i, attr)) {
+      }
+    } else if (i + 1 < n && (p[i + 1] == '!' || p[i + 1] == '/' || p[i + 1] == '?')) {
+      const void* gt = std::memchr(p + i, '>', n - i);
+      if (!gt) return false;
+      i = size_t(static_cast<const char*>(gt) - p);
+    }
+    i++;
+  }
+  return false;
+}
+
+// windows-1252 at 0x80..0x9F; the holes keep their own number.
+const uint16_t kHighControls[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                    0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                    0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                    0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+}  // namespace
+
+bool OrvIsValidUtf8(const unsigned char* p, size_t n) {
+  size_t i = 0;
+  while (i < n) {
+    unsigned char c = p[i];
+    if (c < 0x80) {
+      i++;
+      continue;
+    }
+    size_t extra;
+    unsigned char low = 0x80, high = 0xBF;  // bounds of the second byte
+    if (c >= 0xC2 && c <= 0xDF) {
+      extra = 1;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+      extra = 2;
+      if (c == 0xE0) low = 0xA0;
+      if (c == 0xED) high = 0x9F;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+      extra = 3;
+      if (c == 0xF0) low = 0x90;
+      if (c == 0xF4) high = 0x8F;
+    } else {
+      return false;
+    }
+    if (n - i <= extra || p[i + 1] < low || p[i + 1] > high) return false;
+    for (size_t k = 2; k <= extra; k++) {
+      if ((p[i + k] & 0xC0) != 0x80) return false;
+    }
+    i += extra + 1;
+  }
+  return true;
+}
+
+size_t OrvWindows1252ToUtf8(char* out, const unsigned char* in, size_t n) {
+  size_t o = 0;
+  for (size_t i = 0; i < n; i++) {
+    uint32_t c = in[i];
+    if (c >= 0x80 && c <= 0x9F) c = kHighControls[c - 0x80];
+    if (c < 0x80) {
+      out[o++] = char(c);
+    } else if (c < 0x800) {
+      out[o++] = char(0xC0 | (c >> 6));
+      out[o++] = char(0x80 | (c & 0x3F));
+    } else {
+      out[o++] = char(0xE0 | (c >> 12));
+      out[o++] = char(0x80 | ((c >> 6) & 0x3F));
+      out[o++] = char(0x80 | (c & 0x3F));
+    }
+  }
+  return o;
+}
+
+OrvPageCharset OrvDecidePageCharset(const char* text, size_t n, const char* contentType) {
+  OrvPageCharset out;
+  const auto* p = reinterpret_cast<const unsigned char*>(text);
+  if (n >= 3 && p[0] == 0xEF && p[1] == 0xBB && p[2] == 0xBF) {
+    out.bomLength = 3;
+    return out;
+  }
+  if (n >= 2 && ((p[0] == 0xFF && p[1] == 0xFE) || (p[0] == 0xFE && p[1] == 0xFF))) {
+    out.kind = p[0] == 0xFF ? Kind::kUtf16Le : Kind::kUtf16Be;
+    out.bomLength = 2;
+    return out;
+  }
+  const char* value = nullptr;
+  size_t length = 0;
+  if (contentType && CharsetParameter(contentType, std::strlen(contentType), value, length) &&
+      Resolve(value, length, false, out))
+    return out;
+  if (MetaCharset(text, n, out)) return out;
+  out.kind = OrvIsValidUtf8(p, n) ? Kind::kUtf8 : Kind::kWindows1252;
+  return out;
+}
