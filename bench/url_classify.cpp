@@ -13,6 +13,7 @@
 #include <unistd.h>
 #include <uriparser/Uri.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -164,6 +165,45 @@ void BM_AddAndClassify(benchmark::State& state) {
   state.SetItemsProcessed(int64_t(state.iterations()) * int64_t(n));
 }
 BENCHMARK(BM_AddAndClassify)->Arg(10000)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
+
+// CPU seconds per link for adding and classifying the links once; the
+// release of the records is not counted.
+double SecondsPerLink(const std::vector<OrvString>& links) {
+  OrvWebPageUrls urls;
+  double t0 = CpuSeconds();
+  Classify(urls, links);
+  double seconds = CpuSeconds() - t0;
+  return seconds / double(links.size());
+}
+
+double Median(std::vector<double> v) {
+  std::sort(v.begin(), v.end());
+  return v.empty() ? 0 : v[v.size() / 2];
+}
+
+// The goal's figures in one run: the two sizes alternate, so that a busy
+// machine slows both alike, and the first round only warms the heap up.
+void BM_GrowthRatio(benchmark::State& state) {
+  const size_t small = 100000, large = 1000000;
+  auto smallLinks = MakeLinks(small);
+  auto largeLinks = MakeLinks(large);
+  std::vector<double> smallTimes, largeTimes;
+  for (auto _ : state) {
+    for (int round = 0; round < 6; round++) {
+      double s = SecondsPerLink(smallLinks);
+      double l = SecondsPerLink(largeLinks);
+      if (round == 0) continue;
+      smallTimes.push_back(s);
+      largeTimes.push_back(l);
+    }
+  }
+  Peak peak = MeasurePeak(large);
+  state.counters["ns_per_link_100k"] = Median(smallTimes) * 1e9;
+  state.counters["ns_per_link_1M"] = Median(largeTimes) * 1e9;
+  state.counters["ratio_1M_to_100k"] = Median(largeTimes) / Median(smallTimes);
+  state.counters["bytes_per_link_1M"] = peak.heldMb * (1 << 20) / double(large);
+}
+BENCHMARK(BM_GrowthRatio)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // The peer: uriparser only parses, with no classification at all.
 void BM_UriparserParseOnly(benchmark::State& state) {

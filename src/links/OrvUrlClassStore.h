@@ -2,6 +2,7 @@
 
 #include "core/OrvBlockPool.h"
 #include "core/OrvStrMap.h"
+#include "links/OrvLinkRecords.h"
 #include "links/OrvWebPageLink.h"
 
 // Link records and a map from key text to a list of links. The facade's store
@@ -9,7 +10,7 @@
 // node's groups and no link records.
 class OrvUrlClassStore {
  public:
-  OrvBlockPool<OrvWebPageLink> linkPool;
+  OrvLinkRecords records;
   OrvBlockPool<OrvLinkList> listPool;
   OrvStrMap<OrvLinkList*> classes;
 
@@ -17,7 +18,7 @@ class OrvUrlClassStore {
   void Clear() {
     classes.Clear();
     listPool.FreeBlocks();
-    linkPool.FreeBlocks();
+    records.Clear();
   }
 
   // Forgets the snapshot of the map's order, so that the next read numbers

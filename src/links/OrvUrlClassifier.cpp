@@ -8,12 +8,7 @@ const char* KeyText(const OrvString& s) { return s.buf ? s.buf : ""; }
 }  // namespace
 
 void OrvUrlClassifier::AddLink(const OrvString& url, const OrvString& label, void* userData) {
-  OrvWebPageLink* link = results->linkPool.Alloc();
-  links.Add(link);
-  link->userData = userData;
-  link->label = label;
-  link->url = url;
-  link->Parse(1);
+  links.Add(results->records.Add(url, label, userData, *extractor));
 }
 
 void OrvUrlClassifier::Classify(const OrvString& key, const OrvLinkList& nodeLinks, uint8_t level) {
@@ -58,14 +53,39 @@ void OrvUrlClassifier::Classify(const OrvString& key, const OrvLinkList& nodeLin
 
 void OrvUrlClassifier::SplitLevel(uint8_t level) {
   OrvString token;
+  if (level >= levelCount) {
+    // No key at all: every link joins the group of the empty key.
+    for (int32_t i = 0; i < links.count; i++) Group(KeyText(token), token.len)->Add(links.items[i]);
+    return;
+  }
+  // Links share few keys: each key meets the map once per node, the first
+  // time one of its links comes by, so the map fills in the same order.
+  OrvLinkKeys& keys = results->records.levels[level];
+  uint32_t stamp = results->records.NextStamp();
+  OrvWebPageUrl host;
   for (int32_t i = 0; i < links.count; i++) {
     OrvWebPageLink* link = links.items[i];
-    extractor->Extract(level, token, *link);
-    int found = 0;
-    OrvLinkList** group = groups.classes.Insert(KeyText(token), token.len, &found);
-    if (!found) *group = groups.listPool.Alloc();
-    (*group)->Add(link);
+    OrvLinkKey& key = keys.keys.items[link->keyIds[level]];
+    if (key.stamp != stamp) {
+      key.stamp = stamp;
+      if (level == 0) {
+        // The entry domain may have changed since the link came.
+        host.host.CopyBuf(key.text, key.len);
+        extractor->Extract(0, token, host);
+        key.group = Group(KeyText(token), token.len);
+      } else {
+        key.group = Group(key.text ? key.text : "", key.len);
+      }
+    }
+    key.group->Add(link);
   }
+}
+
+OrvLinkList* OrvUrlClassifier::Group(const char* key, int32_t len) {
+  int found = 0;
+  OrvLinkList** group = groups.classes.Insert(key, len, &found);
+  if (!found) *group = groups.listPool.Alloc();
+  return *group;
 }
 
 void OrvUrlClassifier::ClearGroups() {

@@ -33,6 +33,8 @@ class OrvUrlClassifier : public OrvShared {
   // under its class key. The depth is fixed at four levels.
   void Classify(const OrvString& key, const OrvLinkList& nodeLinks, uint8_t level);
   void SplitLevel(uint8_t level);
+  // The group of that key text in this node, made on first use.
+  OrvLinkList* Group(const char* key, int32_t len);
   void ClearGroups();
 
   static constexpr uint8_t levelCount = 4;

@@ -107,8 +107,8 @@ int OrvWebPageUrls::FetchUrl(void* handle, int index, OrvString& url, OrvString&
   OrvLinkList* list = ClassList(results, handle);
   if (!list || index < 0 || index >= list->count) return 0;
   const OrvWebPageLink* link = list->items[index];
-  url = link->url;
-  label = link->label;
+  url.CopyBuf(link->url, link->urlLen);
+  label.CopyBuf(link->label, link->labelLen);
   userData = link->userData;
   return 1;
 }

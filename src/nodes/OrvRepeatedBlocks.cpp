@@ -62,7 +62,7 @@ void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvPtrL
       continue;
     }
     int32_t depth = static_cast<int32_t>(static_cast<uint32_t>(record->depth) - 1u);
-    parents.Add(NewRecord(depth, parent));
+    parents.Add(NewRecord(depth, parent, false));
   }
 }
 
@@ -93,7 +93,7 @@ void OrvVisibleNodeClassifier::CollectBelow(OrvPtrList& block, OrvNodeRecord* re
     BelowFrame& frame = frames[size - 1];
     if (frame.next < frame.list->count) {
       auto* below = static_cast<OrvNodeRecord*>(frame.list->items[frame.next++]);
-      if (nodeTest(below->item)) block.Add(below);
+      if (IsVisible(below)) block.Add(below);
       OrvPtrList** more = children.Find(ItemKey(below->item));
       if (more) PushFrame(size, below, *more);
     } else {

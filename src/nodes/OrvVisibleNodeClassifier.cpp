@@ -51,7 +51,7 @@ void OrvVisibleNodeClassifier::MakeClasses(OrvPtrList& blocks) {
     const OrvPtrList* list = levels.flat[e]->value;
     for (int32_t r = 0; r < list->count; r++) {
       auto* record = static_cast<OrvNodeRecord*>(list->items[r]);
-      if (nodeTest(record->item)) page->Add(record);
+      if (IsVisible(record)) page->Add(record);
     }
   }
   if (page->count == 0) classes.RemoveSlot(classes.count - 1);
@@ -69,4 +69,6 @@ void OrvVisibleNodeClassifier::Clear() {
   listed.Clear();
   parentsListed.Clear();
   setKept = false;
+  recordsMade = false;
+  testsMixed = false;
 }

@@ -14,6 +14,9 @@
 struct OrvNodeRecord {
   int32_t depth;
   var_item* item;
+  // nodeTest's answer when the record was made, so that later passes need
+  // not reach into items that a large page has long pushed out of the cache.
+  bool visible;
 };
 
 typedef bool (*OrvNodeTest)(var_item* item);
@@ -102,7 +105,19 @@ class OrvVisibleNodeClassifier : public OrvShared {
   BelowFrame* frames = nullptr;
   int32_t frameCapacity = 0;
 
-  OrvNodeRecord* NewRecord(int32_t depth, var_item* item);
+  // The test whose answers the records carry; once records carry answers of
+  // two tests, the test is asked again instead.
+  OrvNodeTest recordTest = nullptr;
+  bool recordsMade = false;
+  bool testsMixed = false;
+
+  // visible is nodeTest's answer for the item, or false for a record that
+  // only names a parent and is never tested.
+  OrvNodeRecord* NewRecord(int32_t depth, var_item* item, bool visible);
+  bool IsVisible(const OrvNodeRecord* record) const {
+    if (testsMixed || nodeTest != recordTest) return nodeTest(record->item);
+    return record->visible;
+  }
   OrvPtrList* ListUnder(OrvPtrList** slot);
   void Accept(var_item* item, int32_t depth);
   bool FollowsPath(var_item* item, int32_t depth);

@@ -18,10 +18,16 @@ inline int32_t Above(int32_t depth) {
 
 }  // namespace
 
-OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(int32_t depth, var_item* item) {
+OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(int32_t depth, var_item* item, bool visible) {
+  if (nodeTest != recordTest) {
+    testsMixed = testsMixed || recordsMade;
+    recordTest = nodeTest;
+  }
+  recordsMade = true;
   OrvNodeRecord* record = recordPool.Alloc();
   record->depth = depth;
   record->item = item;
+  record->visible = visible;
   return record;
 }
 
@@ -110,7 +116,7 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
   if (walkInOrder && !FollowsPath(item, depth)) walkInOrder = false;
   if (!walkInOrder && !setKept) KeepSet();
   if (!nodeTest(item)) return;
-  OrvNodeRecord* record = NewRecord(depth, item);
+  OrvNodeRecord* record = NewRecord(depth, item, true);
   Append(ListUnder(children.Insert(ParentKey(item->parent))), record);
   Append(ListUnder(levels.Insert(depth)), record);
 
@@ -121,7 +127,7 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
     bool inLevel = Holds(levels.Find(at), ancestor);
     bool inChildren = Holds(children.Find(key), ancestor);
     if (inLevel && inChildren) break;
-    OrvNodeRecord* chained = NewRecord(at, ancestor);
+    OrvNodeRecord* chained = NewRecord(at, ancestor, nodeTest(ancestor));
     if (!inChildren) Append(ListUnder(children.Insert(key)), chained);
     if (!inLevel) Append(ListUnder(levels.Insert(at)), chained);
   }
