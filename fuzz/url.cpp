@@ -5,9 +5,9 @@
 
 #include "FuzzInput.h"
 #include "orvwebpage/OrvString.h"
+#include "orvwebpage/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvWebPageUrl.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
-#include "url/OrvUrlFilterExtractor.h"
-#include "url/OrvWebPageUrl.h"
 
 namespace {
 
