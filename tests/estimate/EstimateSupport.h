@@ -71,8 +71,9 @@ struct Listing {
   int step = 1;
   int offset = 1;
 
-  void Serve(httplib::Server& server) const {
-    server.Get(path, [*this](const httplib::Request& request, httplib::Response& response) {
+  // Serves a request for the listing's path.
+  void operator()(const httplib::Request& request, httplib::Response& response) const {
+    {
       long n = (std::atol(request.get_param_value(param.c_str()).c_str()) - offset) / step + 1;
       if (n > pages && lastForHigher) n = pages;
       if (n < 1 || n > pages || !request.has_param(param.c_str()))
@@ -86,6 +87,6 @@ struct Listing {
                        : Link(path + "?" + param + "=" + std::to_string(offset + (m - 1) * step),
                               std::to_string(m));
       response.set_content(Html(body + "</div>"), "text/html");
-    });
+    }
   }
 };
