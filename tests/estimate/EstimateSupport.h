@@ -4,6 +4,7 @@
 // loopback.
 
 #include <map>
+#include <sstream>
 #include <string>
 
 #include "estimate/OrvWebPageCountEstimateImpl.h"
@@ -64,12 +65,22 @@ inline std::string Link(const std::string& href, const std::string& text = "more
 struct Listing {
   std::string path = "/list";
   int pages = 13;
-  bool lastForHigher = false;  // else pages past the end are 404
-  int window = 0;              // 0: every page; else n - window .. n + window
+  int lastForHigher = 0;  // else pages past the end are 404
+  int window = 0;         // 0: every page; else n - window .. n + window
   int items = 0;
   std::string param = "page";
   int step = 1;
   int offset = 1;
+
+  // From "pages=13 last=1 items=8 param=start step=20 offset=0 window=3".
+  Listing(const std::string& at, const std::string& settings) : path(at) {
+    std::istringstream in(settings);
+    std::map<std::string, int*> numbers = {{"pages", &pages},   {"last", &lastForHigher},
+                                           {"window", &window}, {"items", &items},
+                                           {"step", &step},     {"offset", &offset}};
+    for (std::string key, value; std::getline(in >> std::ws, key, '=') && in >> value;)
+      key == "param" ? void(param = value) : void(*numbers.at(key) = std::atoi(value.c_str()));
+  }
 
   // Serves a request for the listing's path.
   void operator()(const httplib::Request& request, httplib::Response& response) const {
