@@ -1,176 +1,126 @@
-// The crawl against a site on loopback: what is fetched, what is only
-// counted, and the sum that comes out.
+// The crawl and the last-page search against sites on loopback: what is
+// fetched, what is probed, and the sum that comes out.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <functional>
-#include <string>
-#include <vector>
+#include <fstream>
+#include <memory>
+#include <sstream>
 
-#include "EstimateSite.h"
+#include "estimate/EstimateSupport.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
 namespace {
 
-long Estimate(OrvWebPageCountEstimate& estimator, const std::string& url) {
-  std::string text = url;
-  return estimator.EstimateCount(text.data(), long(text.size()));
+long Crawl(OrvWebPageCountEstimate& estimator, std::string url) {
+  auto start = std::chrono::steady_clock::now();
+  long estimate = estimator.EstimateCount(url.data(), -1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+  return estimate;
 }
 
-std::string ItemLinks(const std::string& path, int count) {
-  std::string out;
-  for (int i = 1; i <= count; i++) out += Link(path + "?id=" + std::to_string(i), "item");
-  return out;
-}
-
-struct CrawlCase {
-  const char* name;
-  std::function<void(EstimateSite&, OrvWebPageCountEstimate&)> build;
-  const char* entry;
-  long estimate;
-  std::vector<std::string> paths;  // one per request, sorted
-};
-
-const CrawlCase kCrawlCases[] = {
-    {"PageWithoutLinks",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) { site.Serve("/", Html("<p>hello</p>")); },
-     "/",
-     1,
-     {"/"}},
-    {"EmptyPage",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) { site.Serve("/", ""); },
-     "/",
-     1,
-     {"/"}},
-    {"ThreeLinksOfOneShapeAreFetchedOnce",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) {
-       site.Serve("/", Html(ItemLinks("/item", 3)));
-       site.Serve("/item", Html("<p>an item</p>"));
-     },
-     "/",
-     4,
-     {"/", "/item"}},
-    {"FailedFirstUrlOfAShapeCountsNothing",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) {
-       site.Serve("/", Html(ItemLinks("/item", 3)));
-       auto served = std::make_shared<std::atomic<int>>(0);
-       site.Serve("/item", [served](const httplib::Request&, std::string& body) {
-         if ((*served)++ == 0) return false;
-         body = Html("<p>an item</p>");
-         return true;
-       });
-     },
-     "/",
-     1,
-     {"/", "/item"}},
-    {"ContentPageLinksAreNotFollowed",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) {
-       site.Serve("/", Html(Link("/article?id=1", "read")));
-       site.Serve("/article", Html(ArticleText() + Link("/more?m=1", "more")));
-       site.Serve("/more", Html("<p>more</p>"));
-     },
-     "/",
-     2,
-     {"/", "/article"}},
-    {"PlainPageLinksAreFollowedBreadthFirst",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) {
-       site.Serve("/", Html(Link("/a?x=1", "a")));
-       site.Serve("/a", Html(Link("/b?y=1", "b") + Link("/", "home")));
-       site.Serve("/b", Html(Link("/a?x=2", "a again")));
-     },
-     "/",
-     5,
-     {"/", "/a", "/b"}},
-    {"StopBeforeTheCallReadsTheEntryOnly",
-     [](EstimateSite& site, OrvWebPageCountEstimate& estimator) {
-       site.Serve("/", Html(ItemLinks("/item", 3) + "<p>x</p>"));
-       site.Serve("/item", Html("<p>an item</p>"));
-       estimator.StopEstimating();
-     },
-     "/",
-     1,
-     {"/"}},
-    {"StopInTheMiddleOfAPageEndsOnlyThatPage",
-     [](EstimateSite& site, OrvWebPageCountEstimate& estimator) {
-       site.Serve("/", Html(Link("/a?x=1", "a") + Link("/b?y=1", "b")));
-       // The stop lands while /a is fetched, so its walk sees it at once.
-       site.Serve("/a", [&estimator](const httplib::Request&, std::string& body) {
-         estimator.StopEstimating();
-         body = Html(Link("/c?w=1", "c"));
-         return true;
-       });
-       site.Serve("/b", Html(Link("/d?v=1", "d")));
-       site.Serve("/c", Html("<p>c</p>"));
-       site.Serve("/d", Html("<p>d</p>"));
-     },
-     "/",
-     4,
-     {"/", "/a", "/b", "/d"}},
-    {"OffSiteAndUnlistedExtensionsAreNotCrawled",
-     [](EstimateSite& site, OrvWebPageCountEstimate&) {
-       site.Serve("/",
-                  Html(Link("http://elsewhere.test/x?e=1", "off") + Link("/file.pdf?f=1", "pdf") +
-                       Link("javascript:go()", "js") + Link("/page.html?h=1", "html")));
-       site.Serve("/page.html", Html("<p>page</p>"));
-     },
-     "/",
-     2,
-     {"/", "/page.html"}},
-};
-
-class Crawl : public testing::TestWithParam<CrawlCase> {
- protected:
-  void SetUp() override { OrvHttpLimits::Reset(); }
-};
-
-TEST_P(Crawl, FetchesOnePagePerShapeAndSums) {
-  const CrawlCase& c = GetParam();
-  EstimateSite site;
-  OrvWebPageCountEstimate estimator;
-  c.build(site, estimator);
-  ASSERT_TRUE(site.Start());
-  EXPECT_EQ(Estimate(estimator, site.Url(c.entry)), c.estimate);
-  EXPECT_EQ(site.Paths(), c.paths);
-}
-
-INSTANTIATE_TEST_SUITE_P(Sites, Crawl, testing::ValuesIn(kCrawlCases),
-                         [](const testing::TestParamInfo<CrawlCase>& info) {
-                           return std::string(info.param.name);
-                         });
-
-TEST(CrawlEdges, UnreachableEntryGivesZero) {
+TEST(Crawl, SitesGiveWhatTheCasesSay) {
+  std::ifstream in(ORV_CASES_DIR "/estimate/sites.txt");
+  auto site = std::make_unique<LocalHttpServer>();
+  auto estimator = std::make_unique<OrvWebPageCountEstimate>();
+  std::string name, stopAt;
+  int cases = 0;
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream words(line);
+    std::string word;
+    words >> word;
+    if (word == "==") {
+      name = line.substr(3), stopAt = "-", ++cases;
+      site = std::make_unique<LocalHttpServer>(),
+      estimator = std::make_unique<OrvWebPageCountEstimate>();
+      OrvHttpLimits::Reset();
+    } else if (word == "stop" && !(words >> stopAt)) {
+      estimator->StopEstimating();
+    } else if (word == "limit") {
+      OrvHttpSettings settings;
+      words >> settings.maxRequests >> settings.deadlineMs;
+      OrvHttpLimits::Set(settings);
+    } else if (word == "page" || word == "listing" || word == "endless") {
+      std::string path, body;
+      words >> path;
+      std::getline(words >> std::ws, body);
+      Listing listing(path, word == "listing" ? body : "");
+      auto endless = [server = site.get()](size_t, httplib::DataSink& sink) {
+        return PauseUnlessStopping(server->stopping, 100) && sink.write("<p>", 3);
+      };
+      site->server.Get(
+          path, [=, e = estimator.get()](const httplib::Request& req, httplib::Response& res) {
+            if (req.path == stopAt || req.target == stopAt) e->StopEstimating();
+            if (word == "listing") return listing(req, res);
+            if (word == "endless") return res.set_chunked_content_provider("text/html", endless);
+            res.set_content(body.empty() ? "" : Html(body), "text/html");
+          });
+    } else if (word == "crawl") {
+      std::string entry;
+      long estimate;
+      words >> entry >> estimate;
+      ASSERT_TRUE(site->Start());
+      EXPECT_EQ(Crawl(*estimator, site->Url(entry)), estimate) << name;
+    } else if (word == "paths" || word == "log") {
+      std::vector<std::string> expected, got = site->Targets();
+      for (std::string target; words >> target;) expected.push_back(target);
+      auto path = [](const std::string& target) { return target.substr(0, target.find('?')); };
+      if (word == "paths") {
+        std::transform(got.begin(), got.end(), got.begin(), path);
+        std::sort(got.begin(), got.end());
+      } else {
+        std::erase_if(got, [&](const auto& t) { return path(t) != path(expected.at(0)); });
+      }
+      EXPECT_EQ(got, expected) << name;
+    }
+  }
+  EXPECT_GT(cases, 15);
   OrvHttpLimits::Reset();
+}
+
+TEST(Crawl, UnreachableEntryGivesZeroAndTheNextCallStartsAfresh) {
+  OrvHttpLimits::Reset();
+  OrvWebPageCountEstimate estimator;
   std::string url;
   {
-    EstimateSite site;
-    ASSERT_TRUE(site.Start());
-    url = site.Url("/");
+    LocalHttpServer gone;
+    ASSERT_TRUE(gone.Start());
+    url = gone.Url("/");
   }
-  OrvWebPageCountEstimate estimator;
-  EXPECT_EQ(Estimate(estimator, url), 0);
-  EXPECT_EQ(Estimate(estimator, ""), 0);
+  EXPECT_EQ(Crawl(estimator, url), 0);
   EXPECT_EQ(estimator.EstimateCount(nullptr, -1), 0);
+  LocalHttpServer site;
+  site.server.Get(".*", [](const httplib::Request& req, httplib::Response& res) {
+    res.set_content(Html(req.path == "/" ? Link("/i?id=1") : ""), "text/html");
+  });
+  ASSERT_TRUE(site.Start());
+  for (int run = 0; run < 2; run++) EXPECT_EQ(Crawl(estimator, site.Url("/")), 2);
+  EXPECT_EQ(site.Targets(), std::vector<std::string>({"/", "/i?id=1", "/", "/i?id=1"}));
 }
 
-TEST(CrawlEdges, CallsOneAfterAnotherAndSharedCopiesGiveTheSameAnswer) {
-  OrvHttpLimits::Reset();
-  EstimateSite site;
-  site.Serve("/", Html(ItemLinks("/item", 3)));
-  site.Serve("/item", Html("<p>an item</p>"));
+// Fails two below the last failure and otherwise links up to just below that,
+// so the search would creep up one page per probe for ever.
+TEST(Crawl, LyingPagersAreCutAfterSixtyFourProbes) {
+  LocalHttpServer site;
+  std::atomic<int> lastFailed = 100;
+  site.server.Get("/list", [&](const httplib::Request& req, httplib::Response& res) {
+    int page = std::stoi(req.get_param_value("page"));
+    if (page > 1 && page >= lastFailed - 2) {
+      lastFailed = page;
+      return void(res.status = 404);
+    }
+    std::string top = std::to_string(lastFailed - 2);
+    res.set_content(Html(Link("/list?page=1", "1") + Link("/list?page=2", "2") +
+                         Link("/list?page=" + top, top)),
+                    "text/html");
+  });
+  OrvWebPageCountEstimate estimator;
   ASSERT_TRUE(site.Start());
-  auto* first = new OrvWebPageCountEstimate;
-  EXPECT_EQ(Estimate(*first, site.Url("/")), 4);
-  OrvWebPageCountEstimate copy(*first);
-  OrvWebPageCountEstimate assigned;
-  assigned = copy;
-  assigned = assigned;
-  delete first;
-  EXPECT_EQ(Estimate(copy, site.Url("/")), 4);
-  EXPECT_EQ(Estimate(assigned, site.Url("/")), 4);
-  EXPECT_EQ(site.Paths(), std::vector<std::string>({"/", "/", "/", "/item", "/item", "/item"}));
+  EXPECT_EQ(Crawl(estimator, site.Url("/list?page=1")), 4);
+  EXPECT_EQ(site.Targets().size(), 1u + 64u);
+  EXPECT_EQ(OrvWebPageCountEstimateImpl().FindLastPage(OrvPageTemplate()), -1);  // no parameter
 }
 
 }  // namespace

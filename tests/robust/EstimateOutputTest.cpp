@@ -6,7 +6,7 @@
 #include <mutex>
 #include <nlohmann/json.hpp>
 
-#include "robust/HostileServer.h"
+#include "support/LocalServers.h"
 #include "support/RunTool.h"
 
 namespace {
@@ -16,7 +16,7 @@ namespace {
 // after two requests.
 class SmallSite {
  public:
-  HttpTestServer http;
+  LocalHttpServer http;
 
   SmallSite() {
     http.server.Get("/", [this](const httplib::Request& req, httplib::Response& res) {
@@ -197,7 +197,7 @@ TEST(EstimateOutput, OffSiteLinksWarningAndHosts) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.entryHost) + (c.options.empty() ? "" : " " + c.options.back()));
-    HttpTestServer home, away;
+    LocalHttpServer home, away;
     away.server.Get("/elsewhere", [](const httplib::Request&, httplib::Response& res) {
       res.set_content("<html><body><p>another site</p></body></html>", "text/html");
     });
