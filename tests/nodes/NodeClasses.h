@@ -3,37 +3,36 @@
 #include <string>
 #include <vector>
 
-#include "nodes/OrvVisibleNodeClassifier.h"
 #include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvWebPageVisibleNodes.h"
 
 using Classes = std::vector<std::vector<std::string>>;
 
 // A text run reads as its text, an element as its name.
 inline std::string Label(const var_item* item) {
-  if (!item) return "(null)";
-  if (item->tag_id == 0 && item->text && item->text_len > 0)
-    return std::string(item->text, static_cast<size_t>(item->text_len));
-  if (!item->name) return "";
-  return std::string(item->name, static_cast<size_t>(MeasuredLen(item->name, item->name_len)));
+  if (item->tag_id == 0 && item->text_len > 0)
+    return std::string(item->text, size_t(item->text_len));
+  return std::string(item->name, size_t(MeasuredLen(item->name, item->name_len)));
 }
 
-inline std::vector<std::string> Labels(const OrvPtrList& list) {
-  std::vector<std::string> out;
-  for (int32_t i = 0; i < list.count; i++)
-    out.push_back(Label(static_cast<OrvNodeRecord*>(list.items[i])->item));
+// The items of every class, read through the handles.
+inline std::vector<std::vector<var_item*>> Items(OrvWebPageVisibleNodes& nodes) {
+  std::vector<std::vector<var_item*>> out(size_t(nodes.GetClassCount()));
+  for (size_t i = 0; i < out.size(); i++) {
+    void* handle = nodes.FetchClass(int(i));
+    out[i].resize(size_t(nodes.GetNodesCount(handle)));
+    for (size_t j = 0; j < out[i].size(); j++) nodes.FetchNode(handle, int(j), out[i][j]);
+  }
   return out;
 }
 
-inline Classes ClassLabels(const OrvVisibleNodeClassifier& classifier) {
+inline Classes Classify(var_item* root) {
+  OrvWebPageVisibleNodes nodes;
+  nodes.ClassifyNodes(root);
   Classes out;
-  for (int32_t i = 0; i < classifier.classes.count; i++)
-    out.push_back(Labels(classifier.classes.items[i]));
+  for (const auto& items : Items(nodes)) {
+    out.emplace_back();
+    for (const var_item* item : items) out.back().push_back(Label(item));
+  }
   return out;
-}
-
-inline Classes Classify(var_item* root, OrvNodeTest test = IsVisibleText) {
-  OrvVisibleNodeClassifier classifier;
-  classifier.nodeTest = test;
-  classifier.Classify(root);
-  return ClassLabels(classifier);
 }

@@ -1,118 +1,86 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "NodeClasses.h"
-#include "orvwebpage/OrvWebPageVisibleNodes.h"
+#include "orvwebpage/OrvHtml.h"
 #include "support/ItemTree.h"
 
 namespace {
 
-const char* kPage = R"(
-  html
-    body
-      ul
-        li class=e
-          "one"
-        li class=e
-          "two"
-      "three"
-)";
-
-Classes Read(OrvWebPageVisibleNodes& nodes) {
-  Classes out;
-  for (int i = 0; i < nodes.GetClassCount(); i++) {
-    void* handle = nodes.FetchClass(i);
-    std::vector<std::string> items;
-    for (int j = 0; j < nodes.GetNodesCount(handle); j++) {
-      var_item* item = nullptr;
-      EXPECT_EQ(nodes.FetchNode(handle, j, item), 1);
-      items.push_back(Label(item));
-    }
-    out.push_back(items);
-  }
-  return out;
-}
-
-const Classes kExpected = {{"one", "two"}, {"one", "two", "three"}};
+const char* kPage =
+    "html\n body\n  ul\n   li class=e\n    \"one\"\n   li class=e\n    \"two\"\n  \"three\"";
 
 }  // namespace
 
-TEST(VisibleNodes, ReadingOutOfRange) {
+TEST(VisibleNodes, IndexesOutOfRange) {
   ItemTree t(kPage);
   OrvWebPageVisibleNodes nodes;
-  EXPECT_EQ(nodes.GetClassCount(), 0);
-  EXPECT_EQ(nodes.FetchClass(0), nullptr);
   EXPECT_EQ(nodes.ClassifyNodes(nullptr), 1);
   EXPECT_EQ(nodes.GetClassCount(), 0);
   ASSERT_EQ(nodes.ClassifyNodes(t.root()), 1);
   ASSERT_EQ(nodes.GetClassCount(), 2);
   for (int index : {-1, 2, 1 << 30}) EXPECT_EQ(nodes.FetchClass(index), nullptr) << index;
   void* page = nodes.FetchClass(1);
-  ASSERT_NE(page, nullptr);
-  EXPECT_EQ(nodes.GetNodesCount(page), 3);
-  var_item* marker = t.root();
-  for (int index : {-1, 3, -2147483647 - 1}) {
-    EXPECT_EQ(nodes.FetchNode(page, index, marker), 0) << index;
-    EXPECT_EQ(marker, t.root());
-  }
-  EXPECT_EQ(nodes.FetchNode(page, 2, marker), 1);
-  EXPECT_EQ(marker, t.Find("three"));
+  var_item* item = t.root();
+  for (int index : {-1, 3, INT32_MIN}) EXPECT_EQ(nodes.FetchNode(page, index, item), 0) << index;
+  EXPECT_EQ(item, t.root());  // untouched
+  EXPECT_EQ(nodes.FetchNode(page, 2, item), 1);
+  EXPECT_EQ(item, t.Find("three"));
 }
 
-TEST(VisibleNodes, ClearAndClassifyAgain) {
+// Copies share one classifier; ClearNodes empties it for the next page, and
+// another object's results are its own.
+TEST(VisibleNodes, CopiesShareObjectsDoNot) {
   ItemTree t(kPage);
-  OrvWebPageVisibleNodes nodes;
-  nodes.ClassifyNodes(t.root());
-  EXPECT_EQ(Read(nodes), kExpected);
-  nodes.ClearNodes();
-  nodes.ClearNodes();
-  EXPECT_EQ(nodes.GetClassCount(), 0);
-  EXPECT_EQ(nodes.FetchClass(0), nullptr);
-  nodes.ClassifyNodes(t.root());
-  EXPECT_EQ(Read(nodes), kExpected);
-  nodes.ClearNodes();
+  const Classes expected = {{"one", "two"}, {"one", "two", "three"}};
+  OrvWebPageVisibleNodes first, other;
+  OrvWebPageVisibleNodes copy(first), assigned;
+  assigned = first;
+  first.ClassifyNodes(t.root());
+  other.ClassifyNodes(t.root());
+  EXPECT_EQ(Items(copy), Items(first));
+  EXPECT_EQ(Items(assigned), Items(first));
+  EXPECT_EQ(Classify(t.root()), expected);
+  assigned.ClearNodes();
+  EXPECT_EQ(first.GetClassCount(), 0);
+  EXPECT_EQ(first.FetchClass(0), nullptr);
+  EXPECT_EQ(other.GetClassCount(), 2);
+  first.ClassifyNodes(t.root());
+  EXPECT_EQ(Items(first), Items(other));
 }
 
-// Copies share one classifier: results classified through one are read
-// through the other, and the objects may go in any order.
-TEST(VisibleNodes, CopiesShareOneClassifier) {
-  ItemTree t(kPage);
-  for (int order = 0; order < 2; order++) {
-    auto* first = new OrvWebPageVisibleNodes;
-    auto* second = new OrvWebPageVisibleNodes(*first);
-    OrvWebPageVisibleNodes third;
-    third.ClassifyNodes(t.root());
-    third = *first;  // drops its own classifier and its results
-    first->ClassifyNodes(t.root());
-    EXPECT_EQ(Read(*second), kExpected);
-    EXPECT_EQ(Read(third), kExpected);
-    third = third;
-    if (order == 0) {
-      delete first;
-      delete second;
-    } else {
-      delete second;
-      delete first;
+// Every real page classifies alike in a fresh object and in one reused after
+// ClearNodes, handing out the document's own items; most real pages repeat.
+TEST(VisibleNodes, RealPagesTheSameInFreshAndReusedObjects) {
+  std::vector<std::filesystem::path> paths;
+  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages"))
+    paths.push_back(entry.path());
+  std::sort(paths.begin(), paths.end());
+  ASSERT_GE(paths.size(), 60u);
+  size_t withBlocks = 0;
+  OrvWebPageVisibleNodes reused;
+  OrvHtml doc;
+  for (const auto& path : paths) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    std::string page = bytes.str();
+    ASSERT_EQ(doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8), 0) << path;
+    std::vector<std::vector<var_item*>> fresh;
+    {
+      OrvWebPageVisibleNodes nodes;
+      nodes.ClassifyNodes(doc.root);
+      fresh = Items(nodes);
     }
-    EXPECT_EQ(Read(third), kExpected);
+    reused.ClassifyNodes(doc.root);
+    EXPECT_EQ(Items(reused), fresh) << path;
+    reused.ClearNodes();
+    withBlocks += fresh.size() > 1;
   }
-}
-
-// Storage is per object: clearing or destroying one leaves another's results.
-TEST(VisibleNodes, ObjectsAreIndependent) {
-  ItemTree t(kPage);
-  OrvWebPageVisibleNodes kept;
-  kept.ClassifyNodes(t.root());
-  {
-    OrvWebPageVisibleNodes other;
-    other.ClassifyNodes(t.root());
-    other.ClearNodes();
-    other.ClassifyNodes(t.root());
-  }
-  EXPECT_EQ(Read(kept), kExpected);
-  // The document is untouched by any of it.
-  EXPECT_EQ(Label(t.Find("two")), "two");
-  EXPECT_EQ(t.Find("two")->parent, t.Find("li")->next);
+  EXPECT_GE(withBlocks, paths.size() / 2);
 }

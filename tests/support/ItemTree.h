@@ -39,6 +39,7 @@
 #include <cstring>
 #include <deque>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -57,89 +58,61 @@ class ItemTree {
   size_t size() const { return order_.size(); }
 
   var_item* Find(const std::string& label) const {
-    for (var_item* it : order_) {
-      if (it->text && Equals(it->text, it->text_len, label)) return it;
-    }
-    for (var_item* it : order_) {
-      if (it->name && Equals(it->name, it->name_len, label)) return it;
+    for (bool byText : {true, false}) {
+      for (var_item* it : order_) {
+        const char* p = byText ? it->text : it->name;
+        int32_t n = byText ? it->text_len : it->name_len;
+        if (p && std::string(p, n < 0 ? std::strlen(p) : size_t(n)) == label) return it;
+      }
     }
     throw std::invalid_argument("no item labelled " + label);
   }
 
   var_item* Add(var_item* parent, const std::string& line) {
     var_item* item = MakeItem(line);
-    Link(parent, item);
-    return item;
+    item->parent = parent;
+    var_item** slot = parent ? &parent->child : &top_;
+    while (*slot) slot = &(*slot)->next;
+    return *slot = item;
   }
 
   var_item* Nest(var_item* parent, int32_t depth, const std::string& name) {
-    var_item* last = parent;
-    for (int32_t i = 0; i < depth; i++) {
-      var_item* item = MakeItem(name);
-      if (last == parent) {
-        Link(parent, item);
-      } else {
-        item->parent = last;
-        last->child = item;
-      }
-      last = item;
-    }
-    return last;
+    for (int32_t i = 0; i < depth; i++) parent = Add(parent, name);
+    return parent;
   }
 
  private:
-  static bool Equals(const char* p, int32_t n, const std::string& s) {
-    size_t len = n < 0 ? std::strlen(p) : static_cast<size_t>(n);
-    return len == s.size() && std::memcmp(p, s.data(), len) == 0;
-  }
-
   void Parse(const std::string& description) {
     std::vector<std::pair<size_t, var_item*>> open;  // indentation, item
-    size_t start = 0;
-    while (start <= description.size()) {
-      size_t end = description.find('\n', start);
-      if (end == std::string::npos) end = description.size();
-      std::string line = description.substr(start, end - start);
-      start = end + 1;
+    std::istringstream lines(description);
+    for (std::string line; std::getline(lines, line);) {
       size_t indent = line.find_first_not_of(" \t");
       if (indent == std::string::npos) continue;
       while (!open.empty() && open.back().first >= indent) open.pop_back();
       var_item* parent = open.empty() ? nullptr : open.back().second;
-      var_item* item = Add(parent, line.substr(indent));
-      open.emplace_back(indent, item);
+      open.emplace_back(indent, Add(parent, line.substr(indent)));
     }
   }
 
-  void Link(var_item* parent, var_item* item) {
-    item->parent = parent;
-    var_item** slot = parent ? &parent->child : &top_;
-    while (*slot) slot = &(*slot)->next;
-    *slot = item;
+  char* Keep(const std::string& s, int32_t& length) {
+    length = static_cast<int32_t>(s.size());
+    return strings_.emplace_back(s).data();
   }
 
-  char* Keep(const std::string& s) {
-    strings_.push_back(s);
-    return strings_.back().data();
-  }
-
-  // Reads a word or a quoted text starting at pos; pos ends behind it.
+  // Reads a word up to one of stops, or a quoted text; pos ends behind it.
   static std::string Token(const std::string& line, size_t& pos, const char* stops) {
     std::string out;
-    if (pos < line.size() && line[pos] == '"') {
-      pos++;
-      while (pos < line.size() && line[pos] != '"') {
-        char c = line[pos++];
-        if (c == '\\' && pos < line.size()) {
-          char e = line[pos++];
-          c = e == 'n' ? '\n' : e == 't' ? '\t' : e == 'r' ? '\r' : e;
-        }
-        out += c;
+    bool quoted = pos < line.size() && line[pos] == '"';
+    for (pos += quoted; pos < line.size(); pos++) {
+      char c = line[pos];
+      if (quoted ? c == '"' : std::strchr(stops, c) != nullptr) break;
+      if (quoted && c == '\\' && pos + 1 < line.size()) {
+        char e = line[++pos];
+        c = e == 'n' ? '\n' : e == 't' ? '\t' : e == 'r' ? '\r' : e;
       }
-      if (pos >= line.size()) throw std::invalid_argument("unclosed quote: " + line);
-      pos++;
-      return out;
+      out += c;
     }
-    while (pos < line.size() && !std::strchr(stops, line[pos])) out += line[pos++];
+    if (quoted && pos++ >= line.size()) throw std::invalid_argument("unclosed quote: " + line);
     return out;
   }
 
@@ -151,65 +124,39 @@ class ItemTree {
   }
 
   var_item* MakeItem(const std::string& line) {
-    items_.emplace_back();
-    var_item* item = &items_.back();
+    var_item* item = &items_.emplace_back();
     order_.push_back(item);
     size_t pos = 0;
-    if (line[0] == '"') {
-      std::string text = Token(line, pos, "");
-      item->tag_id = 0;
-      item->name = Keep("$text");
-      item->name_len = 5;
-      item->text = Keep(text);
-      item->text_len = static_cast<int32_t>(text.size());
+    if (line[0] == '"') {  // a text run: tag 0
+      item->text = Keep(Token(line, pos, ""), item->text_len);
+      item->name = Keep("$text", item->name_len);
       return item;
     }
     std::string name = Token(line, pos, " #");
-    item->name = Keep(name);
-    item->name_len = static_cast<int32_t>(name.size());
-    if (pos < line.size() && line[pos] == '#') {
-      pos++;
-      item->tag_id = static_cast<uint16_t>(Number(line, pos));
-    } else {
-      item->tag_id = DefaultTag(name);
-    }
-    var_attr** tail = &item->attr_list;
-    for (;;) {
-      while (pos < line.size() && line[pos] == ' ') pos++;
-      if (pos >= line.size()) break;
-      attrs_.emplace_back();
-      var_attr* attr = &attrs_.back();
+    item->name = Keep(name, item->name_len);
+    bool numbered = pos < line.size() && line[pos] == '#';
+    item->tag_id = numbered ? static_cast<uint16_t>(Number(line, ++pos)) : DefaultTag(name);
+    for (var_attr** tail = &item->attr_list;; tail = &(*tail)->next) {
+      pos = line.find_first_not_of(' ', pos);
+      if (pos == std::string::npos) break;
+      var_attr* attr = *tail = &attrs_.emplace_back();
       std::string key = Token(line, pos, " #=");
-      attr->name = Keep(key);
-      attr->name_len = static_cast<int32_t>(key.size());
+      attr->name = Keep(key, attr->name_len);
       attr->attr_id = key == "href" ? ORV_ATTR_LINK_TARGET : 1;
-      if (pos < line.size() && line[pos] == '#') {
-        pos++;
-        attr->attr_id = static_cast<uint16_t>(Number(line, pos));
-      }
-      std::string value;
-      if (pos < line.size() && line[pos] == '=') {
-        pos++;
-        value = Token(line, pos, " ");
-      }
-      attr->value = Keep(value);
-      attr->value_len = static_cast<int32_t>(value.size());
-      *tail = attr;
-      tail = &attr->next;
+      if (pos < line.size() && line[pos] == '#') attr->attr_id = uint16_t(Number(line, ++pos));
+      bool valued = pos < line.size() && line[pos] == '=';
+      attr->value = Keep(valued ? Token(line, ++pos, " ") : std::string(), attr->value_len);
     }
     return item;
   }
 
   uint16_t DefaultTag(const std::string& name) {
-    if (name == "a") return ORV_TAG_LINK;
-    if (name == "script") return ORV_TAG_NO_TEXT_A;
-    if (name == "style") return ORV_TAG_NO_TEXT_B;
-    if (name == "title") return ORV_TAG_NO_TEXT_C;
-    auto found = tags_.find(name);
-    if (found != tags_.end()) return found->second;
-    uint16_t tag = static_cast<uint16_t>(100 + tags_.size());
-    tags_.emplace(name, tag);
-    return tag;
+    static const std::map<std::string, uint16_t> fixed = {{"a", ORV_TAG_LINK},
+                                                          {"script", ORV_TAG_NO_TEXT_A},
+                                                          {"style", ORV_TAG_NO_TEXT_B},
+                                                          {"title", ORV_TAG_NO_TEXT_C}};
+    if (fixed.count(name)) return fixed.at(name);
+    return tags_.emplace(name, static_cast<uint16_t>(100 + tags_.size())).first->second;
   }
 
   std::deque<var_item> items_;
