@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, Command, testing::ValuesIn(Rows()),
 // Progress is for a person at a terminal (a pipe gets none, as the table
 // shows): one line redrawn in place, never as wide as the terminal, naming
 // the phase and the URL in hand, wiped at the end.
-TEST(Estimate, ProgressLineFitsTheTerminal) {
+TEST(EstimateCommand, ProgressLineFitsTheTerminal) {
   SampleSite site({"--profile", "fail5"});
   ASSERT_TRUE(site.Ok()) << site.Error();
   ToolRun run = RunTool({ToolPath("orvwebpage"), "estimate", "--json", site.Url()}, 60, true);
@@ -150,7 +150,7 @@ TEST(Estimate, ProgressLineFitsTheTerminal) {
   EXPECT_TRUE(crawling && probing && cut) << run.err;
 }
 
-TEST(Estimate, SendsTheUserAgentAskedFor) {
+TEST(EstimateCommand, SendsTheUserAgentAskedFor) {
   const std::pair<std::vector<std::string>, std::string> cases[] = {
       {{"--user-agent", "OrvTestAgent/1.0 (+loopback)"}, "OrvTestAgent/1.0 (+loopback)"},
       {{}, OrvHttpLimits::DefaultUserAgent()},
