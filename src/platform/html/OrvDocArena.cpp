@@ -9,39 +9,66 @@ char* ChunkData(OrvDocChunk* chunk) { return reinterpret_cast<char*>(chunk + 1);
 }  // namespace
 
 void OrvDocArena::AddChunk(size_t atLeast) {
-  size_t size = nextSize;
-  if (size < atLeast) size = atLeast;
-  if (nextSize < kLargestChunk) nextSize *= 2;
-  OrvDocChunk* chunk = static_cast<OrvDocChunk*>(OrvAllocBytes(sizeof(OrvDocChunk) + size));
-  chunk->next = chunks;
-  chunk->size = size;
-  chunks = chunk;
-  cursor = ChunkData(chunk);
-  limit = cursor + size;
-}
-
-void OrvDocArena::Reset() {
-  if (!chunks) return;
-  OrvDocChunk* chunk = chunks;
-  while (chunk->next) {
-    OrvDocChunk* next = chunk->next;
-    OrvFreeBytes(chunk);
-    chunk = next;
+  OrvDocChunk* chunk = TakeSpare(atLeast);
+  if (!chunk) {
+    size_t size = nextSize < atLeast ? atLeast : nextSize;
+    if (nextSize < kLargestChunk) nextSize *= 2;
+    chunk = static_cast<OrvDocChunk*>(OrvAllocBytes(sizeof(OrvDocChunk) + size));
+    chunk->size = size;
   }
+  chunk->next = chunks;
   chunks = chunk;
   cursor = ChunkData(chunk);
   limit = cursor + chunk->size;
-  nextSize = kFirstChunk * 2;
 }
 
-void OrvDocArena::Release() {
+// The largest spare that holds atLeast bytes, so the chunks of a large page
+// are used again in the order they were made.
+OrvDocChunk* OrvDocArena::TakeSpare(size_t atLeast) {
+  OrvDocChunk** best = nullptr;
+  for (OrvDocChunk** link = &spares; *link; link = &(*link)->next) {
+    if ((*link)->size >= atLeast && (!best || (*link)->size > (*best)->size)) best = link;
+  }
+  if (!best) return nullptr;
+  OrvDocChunk* chunk = *best;
+  *best = chunk->next;
+  spareBytes -= chunk->size;
+  return chunk;
+}
+
+void OrvDocArena::Reset() {
   OrvDocChunk* chunk = chunks;
+  while (chunk) {
+    OrvDocChunk* next = chunk->next;
+    if (spareBytes + chunk->size <= kSpareLimit) {
+      chunk->next = spares;
+      spares = chunk;
+      spareBytes += chunk->size;
+    } else {
+      OrvFreeBytes(chunk);
+    }
+    chunk = next;
+  }
+  chunks = nullptr;
+  cursor = nullptr;
+  limit = nullptr;
+  nextSize = kFirstChunk;
+}
+
+void OrvDocArena::FreeChain(OrvDocChunk* chunk) {
   while (chunk) {
     OrvDocChunk* next = chunk->next;
     OrvFreeBytes(chunk);
     chunk = next;
   }
+}
+
+void OrvDocArena::Release() {
+  FreeChain(chunks);
+  FreeChain(spares);
   chunks = nullptr;
+  spares = nullptr;
+  spareBytes = 0;
   cursor = nullptr;
   limit = nullptr;
   nextSize = kFirstChunk;

@@ -5,21 +5,25 @@
 
 // Memory of one document's tree: records and texts are bumped out of large
 // chunks and released all at once, by walking the chunk chain, never item by
-// item. The first chunk is kept across Reset so a document reused for page
-// after page does not go back to the allocator for small pages.
+// item. Reset keeps the chunks (up to kSpareLimit bytes) for the next tree, so
+// a document reused for page after page writes into memory it has touched
+// before instead of faulting in fresh pages for every page.
 struct OrvDocChunk {
   OrvDocChunk* next;
   size_t size;  // usable bytes behind the header
 };
 
 struct OrvDocArena {
-  OrvDocChunk* chunks = nullptr;  // newest first; the last one is the kept one
+  OrvDocChunk* chunks = nullptr;  // newest first
+  OrvDocChunk* spares = nullptr;  // kept by Reset, for AddChunk to take
+  size_t spareBytes = 0;
   char* cursor = nullptr;
   char* limit = nullptr;
   size_t nextSize = kFirstChunk;
 
   static constexpr size_t kFirstChunk = 64 * 1024;
   static constexpr size_t kLargestChunk = 4 * 1024 * 1024;
+  static constexpr size_t kSpareLimit = 64 * 1024 * 1024;
 
   OrvDocArena() = default;
   OrvDocArena(const OrvDocArena&) = delete;
@@ -35,11 +39,13 @@ struct OrvDocArena {
     return p;
   }
 
-  // Empties the arena, keeping its oldest chunk for the next tree.
+  // Empties the arena, keeping its chunks for the next tree.
   void Reset();
   // Gives every chunk back.
   void Release();
 
  private:
   void AddChunk(size_t atLeast);
+  OrvDocChunk* TakeSpare(size_t atLeast);
+  static void FreeChain(OrvDocChunk* chunk);
 };

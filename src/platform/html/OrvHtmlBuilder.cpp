@@ -274,9 +274,16 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
     page += decided.bomLength;
     size -= decided.bomLength;
   }
-  if (decided.kind == OrvPageCharsetKind::kWindows1252 && size <= size_t(INT_MAX) / 3) {
+  const auto* bytes = reinterpret_cast<const unsigned char*>(page);
+  bool windows1252 = decided.kind == OrvPageCharsetKind::kWindows1252;
+  // The parser meets an ill-formed UTF-8 sequence by reading on as Latin-1
+  // from a point that depends on its buffers, so the same page could give
+  // different text; browsers put one U+FFFD in its place and read on.
+  bool illFormed = charset != ORV_CHARSET_BYTES && decided.kind == OrvPageCharsetKind::kUtf8 &&
+                   !OrvIsValidUtf8(bytes, size);
+  if ((windows1252 || illFormed) && size <= size_t(INT_MAX) / 3) {
     char* utf8 = static_cast<char*>(OrvAllocBytes(3 * size));
-    size = OrvWindows1252ToUtf8(utf8, reinterpret_cast<const unsigned char*>(page), size);
+    size = windows1252 ? OrvWindows1252ToUtf8(utf8, bytes, size) : OrvRepairUtf8(utf8, bytes, size);
     OrvFreeBytes(cleaned);
     page = cleaned = utf8;
     decided.kind = OrvPageCharsetKind::kUtf8;

@@ -217,36 +217,65 @@ const uint16_t kHighControls[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x20
 
 }  // namespace
 
+namespace {
+
+// Bytes of the well-formed sequence that starts p, or 0 when none does; bad
+// is then how many bytes one replacement character stands for: the longest
+// start that could still have become a well-formed sequence.
+size_t Utf8Sequence(const unsigned char* p, size_t n, size_t& bad) {
+  unsigned char c = p[0];
+  bad = 1;
+  if (c < 0x80) return 1;
+  size_t extra;
+  unsigned char low = 0x80, high = 0xBF;  // bounds of the second byte
+  if (c >= 0xC2 && c <= 0xDF) {
+    extra = 1;
+  } else if (c >= 0xE0 && c <= 0xEF) {
+    extra = 2;
+    if (c == 0xE0) low = 0xA0;
+    if (c == 0xED) high = 0x9F;
+  } else if (c >= 0xF0 && c <= 0xF4) {
+    extra = 3;
+    if (c == 0xF0) low = 0x90;
+    if (c == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  for (size_t k = 1; k <= extra; k++) {
+    if (k >= n || p[k] < (k == 1 ? low : 0x80) || p[k] > (k == 1 ? high : 0xBF)) return 0;
+    bad = k + 1;
+  }
+  return extra + 1;
+}
+
+}  // namespace
+
 bool OrvIsValidUtf8(const unsigned char* p, size_t n) {
-  size_t i = 0;
-  while (i < n) {
-    unsigned char c = p[i];
-    if (c < 0x80) {
-      i++;
-      continue;
-    }
-    size_t extra;
-    unsigned char low = 0x80, high = 0xBF;  // bounds of the second byte
-    if (c >= 0xC2 && c <= 0xDF) {
-      extra = 1;
-    } else if (c >= 0xE0 && c <= 0xEF) {
-      extra = 2;
-      if (c == 0xE0) low = 0xA0;
-      if (c == 0xED) high = 0x9F;
-    } else if (c >= 0xF0 && c <= 0xF4) {
-      extra = 3;
-      if (c == 0xF0) low = 0x90;
-      if (c == 0xF4) high = 0x8F;
-    } else {
-      return false;
-    }
-    if (n - i <= extra || p[i + 1] < low || p[i + 1] > high) return false;
-    for (size_t k = 2; k <= extra; k++) {
-      if ((p[i + k] & 0xC0) != 0x80) return false;
-    }
-    i += extra + 1;
+  size_t bad;
+  for (size_t i = 0, length; i < n; i += length) {
+    length = Utf8Sequence(p + i, n - i, bad);
+    if (length == 0) return false;
   }
   return true;
+}
+
+size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t n) {
+  size_t o = 0;
+  size_t i = 0;
+  while (i < n) {
+    size_t bad;
+    size_t length = Utf8Sequence(in + i, n - i, bad);
+    if (length) {
+      std::memcpy(out + o, in + i, length);
+      o += length;
+      i += length;
+    } else {
+      std::memcpy(out + o, "\xEF\xBF\xBD", 3);
+      o += 3;
+      i += bad;
+    }
+  }
+  return o;
 }
 
 size_t OrvWindows1252ToUtf8(char* out, const unsigned char* in, size_t n) {

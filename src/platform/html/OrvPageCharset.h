@@ -28,6 +28,10 @@ OrvPageCharset OrvDecidePageCharset(const char* text, size_t length, const char*
 // Strict UTF-8: no overlong forms, surrogates or code points past U+10FFFF.
 bool OrvIsValidUtf8(const unsigned char* text, size_t length);
 
+// Well-formed UTF-8 of text that should have been UTF-8: every ill-formed
+// sequence becomes one U+FFFD, as browsers decode it. out holds 3 * length.
+size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t length);
+
 // UTF-8 of windows-1252 bytes; bytes the code page leaves undefined become the
 // C1 control of the same number, as browsers decode them. out holds 3 * length.
 size_t OrvWindows1252ToUtf8(char* out, const unsigned char* in, size_t length);
