@@ -1,0 +1,196 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "core/Cases.h"
+#include "core/OrvIntMap.h"
+#include "core/OrvStrMap.h"
+
+namespace {
+
+using IntMap = OrvIntMap<int32_t, int32_t>;
+using StrMap = OrvStrMap<uint32_t>;
+
+// String keys whose hashes end in the same four bits as the numbers: up to 16
+// buckets, they fall, move and line up as those numbers do in an integer map.
+std::vector<std::string> Alike(const std::vector<int32_t>& numbers) {
+  std::vector<std::string> keys;
+  for (uint32_t next = 0; int32_t n : numbers) {
+    std::string key;
+    do key = "k" + std::to_string(next++);
+    while ((StrMap::Hash(key.c_str(), -1) & 15) != (uint32_t(n) & 15));
+    keys.push_back(key);
+  }
+  return keys;
+}
+
+// One face for both maps: a string map takes the text alike to the number.
+int32_t* Put(IntMap& m, int32_t k, const std::string&, int* f) { return m.Insert(k, f); }
+uint32_t* Put(StrMap& m, int32_t, const std::string& t, int* f) {
+  return m.Insert(t.c_str(), -1, f);
+}
+int32_t* Get(IntMap& m, int32_t k, const std::string&) { return m.Find(k); }
+uint32_t* Get(StrMap& m, int32_t, const std::string& t) { return m.Find(t.c_str(), -1); }
+int Drop(IntMap& m, int32_t k, const std::string&, int32_t* old) { return m.Remove(k, old); }
+int Drop(StrMap& m, int32_t, const std::string& t, uint32_t* old) {
+  return m.Remove(t.c_str(), -1, old);
+}
+
+// Inserts the keys, valued by position, and removes some. Gives the capacities
+// by bucket, the keys in flat order, each key's value or -1, the removed values,
+// and then capacities, values, count and flat after Clear.
+template <class Map, class V>
+std::vector<std::vector<int32_t>> Scenario(const std::vector<int32_t>& keys,
+                                           const std::vector<int32_t>& removed) {
+  Map map;
+  const std::vector<std::string> texts = Alike(keys);
+  std::vector<std::vector<int32_t>> out(6);
+  for (size_t i = 0; i < keys.size(); i++) {
+    int found = 1;
+    V* value = Put(map, keys[i], texts[i], &found);
+    *value = V(i + 1000 * size_t(found));
+  }
+  for (int32_t i : removed) {
+    V old = 0;
+    out[3].push_back(Drop(map, keys[i], texts[i], &old) ? int32_t(old) : -1);
+  }
+  auto look = [&](std::vector<int32_t>& capacities, std::vector<int32_t>& values) {
+    for (uint32_t b = 0; b < map.bucketCount; b++)
+      capacities.push_back(int32_t(map.buckets[b].capacity));
+    for (size_t i = 0; i < keys.size(); i++) {
+      V* value = Get(map, keys[i], texts[i]);
+      values.push_back(value ? int32_t(*value) : -1);
+    }
+  };
+  look(out[0], out[2]);
+  map.Flatten();
+  for (uint32_t i = 0; i < map.count; i++) out[1].push_back(keys[size_t(map.flat[i]->value)]);
+  map.Clear();
+  look(out[4], out[5]);
+  out[5].insert(out[5].end(), {int32_t(map.count), map.flat != nullptr});
+  return out;
+}
+
+// Both maps share one table: a bucket is the low bits of the spread, a key that
+// meets a full bucket doubles the table from 48 keys on, else the bucket grows
+// by a quarter; doubling moves keys from the back and fills each hole with the
+// bucket's last key, and so does Remove. Clear keeps the grown table.
+TEST(Maps, GrowthDoublingRemovalAndFlatOrder) {
+  for (const auto& c : Cases("maps.tsv")) {
+    const std::vector<int32_t> keys = Numbers(c[0]), removed = Numbers(c[1]);
+    std::vector<int32_t> values(keys.size()), none(keys.size() + 2, -1);
+    for (size_t i = 0; i < keys.size(); i++) values[i] = int32_t(i);
+    for (int32_t i : removed) values[size_t(i)] = -1;
+    none.end()[-2] = none.end()[-1] = 0;
+    const std::vector<std::vector<int32_t>> want = {Numbers(c[2]), Numbers(c[3]), values,
+                                                    removed,       Numbers(c[2]), none};
+    EXPECT_EQ((Scenario<IntMap, int32_t>(keys, removed)), want) << c[0];
+    EXPECT_EQ((Scenario<StrMap, uint32_t>(keys, removed)), want) << c[0];
+  }
+}
+
+TEST(StrMap, HashAndKeys) {
+  const char* keys[] = {"", "a", "ab", "ba", "\xE4"};
+  const uint32_t hashes[] = {5381, 177670, 5863240, 5863208, 177545};
+  for (int i = 0; i < 5; i++) {
+    EXPECT_EQ(StrMap::Hash(keys[i], int32_t(strlen(keys[i]))), hashes[i]) << keys[i];
+    EXPECT_EQ(StrMap::Hash(keys[i], -1), hashes[i]) << keys[i];
+  }
+  EXPECT_EQ(StrMap::Hash(std::string(999, '\xFF').c_str(), 999) >> 31, 0u);
+
+  StrMap map;
+  int found = 7;
+  // A NULL key touches nothing, not even the first arrays; Find alone makes them.
+  EXPECT_EQ(map.Insert(nullptr, 3, &found), nullptr);
+  EXPECT_EQ(map.Find(nullptr, 0), nullptr);
+  EXPECT_EQ(map.Remove(nullptr, 0) + found, 7);
+  EXPECT_EQ(map.buckets, nullptr);
+  EXPECT_EQ(map.Find("x", 1), nullptr);
+  EXPECT_EQ(map.keysSize, 1024);
+  // The empty key is a key, in bucket 1, read back as NULL and 0.
+  uint32_t* empty = map.Insert("abc", 0, &found);
+  *empty = 42;
+  EXPECT_EQ(map.buckets[1].used + found, 1u);
+  EXPECT_EQ(map.Insert("", -1, &found), empty);
+  const char* key = "x";
+  int32_t len = -1;
+  EXPECT_EQ(map.GetAt(0, &key, &len), empty);
+  EXPECT_EQ(key == nullptr && len == 0 && found == 1, true);
+  // Bytes count exactly: no folding, no NUL stop in a counted key.
+  *map.Insert("ab", 2) = 9;
+  map.Insert("a\0b", 3, &found);
+  EXPECT_EQ(map.count, 3u);
+  EXPECT_EQ(map.Find("AB", 2), nullptr);
+  EXPECT_EQ(*map.Insert("ab", -1, &found) + found, 10u);
+  // Put back after Remove, a key's bytes are stored anew.
+  const int32_t used = map.keysUsed;
+  EXPECT_EQ(map.Remove("ab", 2) + map.Remove("ab", 2), 1);
+  map.Insert("ab", 2);
+  EXPECT_EQ(map.keysUsed, used + 2);
+}
+
+// The key buffer grows by a twentieth and 256 once a key would fill it exactly.
+TEST(StrMap, KeyBufferGrowth) {
+  const int32_t rows[][3] = {{1000, 23, 1024}, {1000, 24, 1331}, {1000, 30, 1337}, {0, 0, 1024}};
+  for (const auto& r : rows) {
+    StrMap map;
+    const std::string a(size_t(r[0]), 'a'), b(size_t(r[1]), 'b');
+    map.Insert(a.c_str(), r[0]);
+    map.Insert(b.c_str(), r[1]);
+    EXPECT_EQ(map.keysSize, r[2]) << r[0] << "+" << r[1];
+    EXPECT_EQ(map.keysUsed, r[0] + r[1]);
+    EXPECT_TRUE(map.Find(a.c_str(), r[0]) && map.Find(b.c_str(), r[1]));
+  }
+  // A key read back from the table goes in again while that insert moves the buffer.
+  StrMap map;
+  const std::string big = std::string(999, 'a') + "b";
+  const char* stored = nullptr;
+  int32_t storedLen = 0;
+  map.Insert(big.c_str(), 1000);
+  map.GetAt(0, &stored, &storedLen);
+  map.Insert(stored + 1, 999);
+  EXPECT_EQ(map.count, 2u);
+  EXPECT_NE(map.Find(big.c_str() + 1, 999), nullptr);
+}
+
+// Flat is a snapshot: a bucket that grows under it leaves the old entries readable.
+TEST(StrMap, FlatIsASnapshot) {
+  StrMap map;
+  const std::vector<std::string> keys = Alike(Numbers("0:156:4"));
+  for (uint32_t i = 0; i < 40; i++) {
+    *map.Insert(keys[i].c_str(), -1) = i;
+    if (i == 15) {
+      EXPECT_EQ(map.Flatten(), 1);
+    }
+  }
+  EXPECT_EQ(map.Flatten(), 0);
+  for (uint32_t i = 0; i < 16; i++) {
+    const char* key = nullptr;
+    int32_t len = 0;
+    EXPECT_EQ(*map.GetAt(i, &key, &len), i);
+    EXPECT_EQ(std::string(key, size_t(len)), keys[i]);
+  }
+  EXPECT_EQ(map.GetAt(16), nullptr);
+}
+
+TEST(IntMap, WideKeysAndCrowdedBuckets) {
+  OrvIntMap<uint64_t, uint32_t> map;
+  EXPECT_EQ(map.Find(3), nullptr);  // a new table finds nothing and allocates nothing
+  EXPECT_EQ(map.Remove(3) + map.Flatten(), 0);
+  EXPECT_EQ(map.buckets, nullptr);
+  // Keys alike in their low 32 bits share a bucket and stay apart; aligned or
+  // hostile keys may crowd far more than 65,535 entries into one bucket.
+  const uint32_t n = 65537;
+  for (uint32_t i = 0; i < n; i++) *map.Insert(uint64_t(i) << 32) = i;
+  EXPECT_EQ(map.buckets[0].used, n);
+  EXPECT_EQ(map.Find(uint64_t(n) << 32), nullptr);
+  int found = -1;
+  EXPECT_EQ(*map.Insert(uint64_t(n - 1) << 32, &found) + found, n);
+  map.Flatten();
+  for (uint32_t i = 0; i < n; i++) ASSERT_EQ(map.flat[i]->value, i);
+}
+
+}  // namespace
