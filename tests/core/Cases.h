@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <climits>
-#include <cstdio>
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -43,10 +42,10 @@ inline std::vector<std::vector<std::string>> Cases(const std::string& name) {
 inline std::vector<int32_t> Numbers(const std::string& text) {
   std::vector<int32_t> out;
   std::istringstream in(text);
-  for (std::string t; in >> t;) {
-    int from = 0, to = INT_MIN, step = 1;
-    std::sscanf(t.c_str(), "%d:%d:%d", &from, &to, &step);
-    if (to == INT_MIN) to = from;
+  for (int from; in >> from;) {
+    int to = from, step = 1;
+    if (in.peek() == ':') in.ignore() >> to;
+    if (in.peek() == ':') in.ignore() >> step;
     for (int v = from; step > 0 ? v <= to : v >= to; v += step) out.push_back(v);
   }
   return out;

@@ -1,9 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cstdint>
 #include <cstring>
-#include <string>
-#include <vector>
 
 #include "core/Cases.h"
 #include "core/OrvIntMap.h"
@@ -39,12 +34,13 @@ int Drop(StrMap& m, int32_t, const std::string& t, uint32_t* old) {
   return m.Remove(t.c_str(), -1, old);
 }
 
-// Inserts the keys, valued by position, and removes some. Gives the capacities
-// by bucket, the keys in flat order, each key's value or -1, the removed values,
-// and then capacities, values, count and flat after Clear.
+// Inserts the keys, valued by position (flattening after the first `snapshot`
+// of them), and removes some. Gives the capacities by bucket, the keys in flat
+// order, each key's value or -1, the removed values, and then capacities,
+// values, count and flat after Clear.
 template <class Map, class V>
 std::vector<std::vector<int32_t>> Scenario(const std::vector<int32_t>& keys,
-                                           const std::vector<int32_t>& removed) {
+                                           const std::vector<int32_t>& removed, size_t snapshot) {
   Map map;
   const std::vector<std::string> texts = Alike(keys);
   std::vector<std::vector<int32_t>> out(6);
@@ -52,6 +48,7 @@ std::vector<std::vector<int32_t>> Scenario(const std::vector<int32_t>& keys,
     int found = 1;
     V* value = Put(map, keys[i], texts[i], &found);
     *value = V(i + 1000 * size_t(found));
+    if (i + 1 == snapshot) map.Flatten();
   }
   for (int32_t i : removed) {
     V old = 0;
@@ -66,8 +63,8 @@ std::vector<std::vector<int32_t>> Scenario(const std::vector<int32_t>& keys,
     }
   };
   look(out[0], out[2]);
-  map.Flatten();
-  for (uint32_t i = 0; i < map.count; i++) out[1].push_back(keys[size_t(map.flat[i]->value)]);
+  for (uint32_t i = 0; auto* entry = map.FlatEntry(i); i++)
+    out[1].push_back(keys[size_t(entry->value)]);
   map.Clear();
   look(out[4], out[5]);
   out[5].insert(out[5].end(), {int32_t(map.count), map.flat != nullptr});
@@ -77,30 +74,24 @@ std::vector<std::vector<int32_t>> Scenario(const std::vector<int32_t>& keys,
 // Both maps share one table: a bucket is the low bits of the spread, a key that
 // meets a full bucket doubles the table from 48 keys on, else the bucket grows
 // by a quarter; doubling moves keys from the back and fills each hole with the
-// bucket's last key, and so does Remove. Clear keeps the grown table.
+// bucket's last key, and so does Remove. Flat is a snapshot that later growth
+// leaves readable. Clear keeps the grown table.
 TEST(Maps, GrowthDoublingRemovalAndFlatOrder) {
   for (const auto& c : Cases("maps.tsv")) {
     const std::vector<int32_t> keys = Numbers(c[0]), removed = Numbers(c[1]);
+    const size_t snapshot = c[4].empty() ? 0 : std::stoul(c[4]);
     std::vector<int32_t> values(keys.size()), none(keys.size() + 2, -1);
     for (size_t i = 0; i < keys.size(); i++) values[i] = int32_t(i);
     for (int32_t i : removed) values[size_t(i)] = -1;
     none.end()[-2] = none.end()[-1] = 0;
     const std::vector<std::vector<int32_t>> want = {Numbers(c[2]), Numbers(c[3]), values,
                                                     removed,       Numbers(c[2]), none};
-    EXPECT_EQ((Scenario<IntMap, int32_t>(keys, removed)), want) << c[0];
-    EXPECT_EQ((Scenario<StrMap, uint32_t>(keys, removed)), want) << c[0];
+    EXPECT_EQ((Scenario<IntMap, int32_t>(keys, removed, snapshot)), want) << c[0];
+    EXPECT_EQ((Scenario<StrMap, uint32_t>(keys, removed, snapshot)), want) << c[0];
   }
 }
 
-TEST(StrMap, HashAndKeys) {
-  const char* keys[] = {"", "a", "ab", "ba", "\xE4"};
-  const uint32_t hashes[] = {5381, 177670, 5863240, 5863208, 177545};
-  for (int i = 0; i < 5; i++) {
-    EXPECT_EQ(StrMap::Hash(keys[i], int32_t(strlen(keys[i]))), hashes[i]) << keys[i];
-    EXPECT_EQ(StrMap::Hash(keys[i], -1), hashes[i]) << keys[i];
-  }
-  EXPECT_EQ(StrMap::Hash(std::string(999, '\xFF').c_str(), 999) >> 31, 0u);
-
+TEST(StrMap, Keys) {
   StrMap map;
   int found = 7;
   // A NULL key touches nothing, not even the first arrays; Find alone makes them.
@@ -125,55 +116,29 @@ TEST(StrMap, HashAndKeys) {
   EXPECT_EQ(map.count, 3u);
   EXPECT_EQ(map.Find("AB", 2), nullptr);
   EXPECT_EQ(*map.Insert("ab", -1, &found) + found, 10u);
-  // Put back after Remove, a key's bytes are stored anew.
+  // Put back after Remove, a key's bytes are stored anew; Clear keeps the buffer.
   const int32_t used = map.keysUsed;
+  const char* buffer = map.keys;
   EXPECT_EQ(map.Remove("ab", 2) + map.Remove("ab", 2), 1);
   map.Insert("ab", 2);
   EXPECT_EQ(map.keysUsed, used + 2);
-}
-
-// The key buffer grows by a twentieth and 256 once a key would fill it exactly.
-TEST(StrMap, KeyBufferGrowth) {
-  const int32_t rows[][3] = {{1000, 23, 1024}, {1000, 24, 1331}, {1000, 30, 1337}, {0, 0, 1024}};
-  for (const auto& r : rows) {
-    StrMap map;
-    const std::string a(size_t(r[0]), 'a'), b(size_t(r[1]), 'b');
-    map.Insert(a.c_str(), r[0]);
-    map.Insert(b.c_str(), r[1]);
-    EXPECT_EQ(map.keysSize, r[2]) << r[0] << "+" << r[1];
-    EXPECT_EQ(map.keysUsed, r[0] + r[1]);
-    EXPECT_TRUE(map.Find(a.c_str(), r[0]) && map.Find(b.c_str(), r[1]));
-  }
-  // A key read back from the table goes in again while that insert moves the buffer.
-  StrMap map;
-  const std::string big = std::string(999, 'a') + "b";
-  const char* stored = nullptr;
-  int32_t storedLen = 0;
-  map.Insert(big.c_str(), 1000);
-  map.GetAt(0, &stored, &storedLen);
-  map.Insert(stored + 1, 999);
-  EXPECT_EQ(map.count, 2u);
-  EXPECT_NE(map.Find(big.c_str() + 1, 999), nullptr);
-}
-
-// Flat is a snapshot: a bucket that grows under it leaves the old entries readable.
-TEST(StrMap, FlatIsASnapshot) {
-  StrMap map;
-  const std::vector<std::string> keys = Alike(Numbers("0:156:4"));
-  for (uint32_t i = 0; i < 40; i++) {
-    *map.Insert(keys[i].c_str(), -1) = i;
-    if (i == 15) {
-      EXPECT_EQ(map.Flatten(), 1);
-    }
-  }
-  EXPECT_EQ(map.Flatten(), 0);
-  for (uint32_t i = 0; i < 16; i++) {
-    const char* key = nullptr;
-    int32_t len = 0;
-    EXPECT_EQ(*map.GetAt(i, &key, &len), i);
-    EXPECT_EQ(std::string(key, size_t(len)), keys[i]);
-  }
-  EXPECT_EQ(map.GetAt(16), nullptr);
+  map.Clear();
+  EXPECT_EQ(map.keysUsed, 0);
+  EXPECT_EQ(map.keys, buffer);
+  // The key buffer grows by a twentieth and 256 once a key would fill it exactly.
+  map.Insert(std::string(1000, 'a').c_str(), 1000);
+  map.Insert(std::string(23, 'b').c_str(), 23);
+  EXPECT_EQ(map.keysSize, 1024);
+  map.Insert("c", 1);
+  EXPECT_EQ(map.keysSize, 1024 + 1024 / 20 + 256);
+  EXPECT_NE(map.Find(std::string(23, 'b').c_str(), 23), nullptr);
+  // A key read back from the table goes in again while that very insert moves the buffer.
+  StrMap own;
+  const std::string big(1000, 'k');
+  own.Insert(big.c_str(), 1000);
+  own.GetAt(0, &key, &len);
+  own.Insert(key + 1, 999);
+  EXPECT_NE(own.Find(big.c_str(), 999), nullptr);
 }
 
 TEST(IntMap, WideKeysAndCrowdedBuckets) {
