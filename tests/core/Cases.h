@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// Case files of tests/data/core: one case a line, fields split by tabs, lines
+// Case files under tests/data: one case a line, fields split by tabs, lines
 // starting with '#' skipped. Fields take \t \n \r \f \v \0 \\ and \xHH, so
 // that any byte can be written.
 inline std::string Unescape(const std::string& field) {
@@ -25,7 +25,7 @@ inline std::string Unescape(const std::string& field) {
 
 inline std::vector<std::vector<std::string>> Cases(const std::string& name) {
   std::vector<std::vector<std::string>> rows;
-  std::ifstream in(std::string(ORV_CASES_DIR) + "/core/" + name);
+  std::ifstream in(std::string(ORV_CASES_DIR) + "/" + name);
   for (std::string line; std::getline(in, line);) {
     if (line.empty() || line[0] == '#') continue;
     rows.emplace_back();

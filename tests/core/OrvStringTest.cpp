@@ -70,7 +70,7 @@ TEST(OrvString, EditsAndQueries) {
       {"ab", [](S& s) { s.Append(s.buf, s.len), s.Append(s.buf, -1); }, "abababab"},
       {"abcdef", [](S& s) { s.CopyBuf(s.buf + 2, -1); }, "cdef"},
   };
-  for (const char* file : {"string-edits.tsv", "string-queries.tsv"})
+  for (const char* file : {"core/string-edits.tsv", "core/string-queries.tsv"})
     for (const auto& c : Cases(file))
       rows.push_back({c[0], [c](S& s) { Apply(s, c[1], c[2], c[3]); }, c[4]});
   for (const auto& [in, op, want] : rows) {

@@ -16,7 +16,7 @@ struct Counted {
 
 // Elements live with their blocks and keep what their last owner left in them.
 TEST(OrvBlockPool, SlotOrderAndElements) {
-  for (const auto& c : Cases("pool-slots.tsv")) {
+  for (const auto& c : Cases("core/pool-slots.tsv")) {
     OrvBlockPool<Counted> pool, other;
     std::vector<Counted*> given;
     std::string got;
@@ -49,7 +49,7 @@ TEST(OrvBlockPool, SlotOrderAndElements) {
 // Lists start at 32 and grow by a quarter plus 32; arrays grow while one spare
 // slot is left, by a quarter plus one. Assign sizes a copy to the count plus one.
 TEST(OrvList, Sizes) {
-  for (const auto& c : Cases("lists.tsv")) {
+  for (const auto& c : Cases("core/lists.tsv")) {
     const int before = std::stoi(c[1]), n = std::stoi(c[2]);
     OrvGrowArray<int32_t> array;
     OrvList<int32_t> list, source, target;
