@@ -14,6 +14,7 @@ struct Counted {
   ~Counted() { live--; }
 };
 
+// Slots go out in a fixed order, freed ones first and earlier blocks first.
 // Elements live with their blocks and keep what their last owner left in them.
 TEST(OrvBlockPool, SlotOrderAndElements) {
   for (const auto& c : Cases("core/pool-slots.tsv")) {
