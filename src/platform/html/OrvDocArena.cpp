@@ -22,8 +22,8 @@ void OrvDocArena::AddChunk(size_t atLeast) {
   limit = cursor + chunk->size;
 }
 
-// The largest spare that holds atLeast bytes, so the chunks of a large page
-// are used again in the order they were made.
+// The largest spare that holds atLeast bytes: the next tree starts in the
+// largest memory the last one used.
 OrvDocChunk* OrvDocArena::TakeSpare(size_t atLeast) {
   OrvDocChunk** best = nullptr;
   for (OrvDocChunk** link = &spares; *link; link = &(*link)->next) {
