@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "orvwebpage/OrvHttpLimits.h"
+#include "support/Cases.h"
 #include "support/LocalServers.h"
 #include "support/SampleSite.h"
 
@@ -23,10 +24,10 @@ std::string ReadFile(const std::string& path) {
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-// A field's bytes: {N*text} repeats text, then \n \r \t \\ \xHH.
+// A field's bytes: {N*text} repeats text, then the case files' escapes.
 std::string Text(const std::string& field) {
   static const std::regex repeat(R"(\{(\d+)\*([^}]*)\})");
-  std::string text, out;
+  std::string text;
   auto rest = field.cbegin();
   for (std::sregex_iterator it(field.begin(), field.end(), repeat), end; it != end; ++it) {
     text.append(rest, (*it)[0].first);
@@ -34,14 +35,7 @@ std::string Text(const std::string& field) {
     rest = (*it)[0].second;
   }
   text.append(rest, field.cend());
-  for (size_t i = 0; i < text.size(); i++) {
-    char c = text[i] == '\\' && i + 1 < text.size() ? text[++i] : 0;
-    if (c == 'x')
-      out += char(std::stoi(text.substr(i + 1, 2), nullptr, 16)), i += 2;
-    else
-      out += c == 'n' ? '\n' : c == 'r' ? '\r' : c == 't' ? '\t' : c ? c : text[i];
-  }
-  return out;
+  return Unescape(text);
 }
 
 // The port and the timings differ from run to run.
@@ -61,14 +55,8 @@ void PrintTo(const Row& row, std::ostream* os) { *os << row.name; }
 
 std::vector<Row> Rows() {
   std::vector<Row> rows;
-  std::ifstream file(kCases + "commands.tsv");
-  for (std::string line; std::getline(file, line);) {
-    std::vector<std::string> f;
-    std::istringstream fields(line);
-    for (std::string field; std::getline(fields, field, '\t');) f.push_back(field);
-    if (f.size() < 7 || line[0] == '#') continue;
+  for (const auto& f : ReadCases(kCases + "commands.tsv", 7))
     rows.push_back({f[0], f[1], f[3], f[4], f[5], std::stoi(f[2]), {f.begin() + 6, f.end()}});
-  }
   return rows;
 }
 

@@ -1,8 +1,8 @@
 #include <map>
 
-#include "core/Cases.h"
 #include "core/OrvIntMap.h"
 #include "core/OrvStrMap.h"
+#include "support/Cases.h"
 
 namespace {
 
@@ -68,7 +68,7 @@ std::vector<std::vector<int32_t>> Scenario(const std::vector<int32_t>& keys,
 // bucket's last key, and so does Remove. Flat is a snapshot that later growth
 // leaves readable. Clear keeps the grown table.
 TEST(Maps, GrowthDoublingRemovalAndFlatOrder) {
-  for (const auto& c : Cases("core/maps.tsv")) {
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/core/maps.tsv", 8, true)) {
     const std::vector<int32_t> keys = Numbers(c[0]), removed = Numbers(c[1]);
     const size_t snapshot = c[4].empty() ? 0 : std::stoul(c[4]);
     std::vector<int32_t> values(keys.size()), none(keys.size() + 2, -1);

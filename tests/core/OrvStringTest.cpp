@@ -3,9 +3,9 @@
 #include <new>
 #include <tuple>
 
-#include "core/Cases.h"
 #include "core/OrvStrMap.h"
 #include "orvwebpage/OrvString.h"
+#include "support/Cases.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ TEST(OrvString, EditsAndQueries) {
       {"abcdef", [](S& s) { s.CopyBuf(s.buf + 2, -1); }, "cdef"},
   };
   for (const char* file : {"core/string-edits.tsv", "core/string-queries.tsv"})
-    for (const auto& c : Cases(file))
+    for (const auto& c : ReadCases(ORV_CASES_DIR "/" + std::string(file), 8, true))
       rows.push_back({c[0], [c](S& s) { Apply(s, c[1], c[2], c[3]); }, c[4]});
   for (const auto& [in, op, want] : rows) {
     alignas(OrvString) unsigned char raw[sizeof(OrvString)] = {};

@@ -1,9 +1,9 @@
-#include "core/Cases.h"
 #include "core/OrvBlockPool.h"
 #include "core/OrvGrowArray.h"
 #include "core/OrvPtrList.h"
 #include "core/OrvTextArena.h"
 #include "orvwebpage/OrvString.h"
+#include "support/Cases.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ struct Counted {
 // Slots go out in a fixed order, freed ones first and earlier blocks first.
 // Elements live with their blocks and keep what their last owner left in them.
 TEST(OrvBlockPool, SlotOrderAndElements) {
-  for (const auto& c : Cases("core/pool-slots.tsv")) {
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/core/pool-slots.tsv", 8, true)) {
     OrvBlockPool<Counted> pool, other;
     std::vector<Counted*> given;
     std::string got;
@@ -50,7 +50,7 @@ TEST(OrvBlockPool, SlotOrderAndElements) {
 // Lists start at 32 and grow by a quarter plus 32; arrays grow while one spare
 // slot is left, by a quarter plus one. Assign sizes a copy to the count plus one.
 TEST(OrvList, Sizes) {
-  for (const auto& c : Cases("core/lists.tsv")) {
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/core/lists.tsv", 8, true)) {
     const int before = std::stoi(c[1]), n = std::stoi(c[2]);
     OrvGrowArray<int32_t> array;
     OrvList<int32_t> list, source, target;

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "estimate/EstimateSupport.h"
+#include "support/Cases.h"
 #include "support/ItemTree.h"
 
 namespace {
@@ -78,16 +79,9 @@ TEST(Page, WalksAndAnalysesGiveWhatTheCasesSay) {
 }
 
 TEST(Page, TemplatesFollowThePageParameter) {
-  std::ifstream in(ORV_CASES_DIR "/estimate/templates.tsv");
-  int cases = 0;
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::vector<std::string> f;
-    std::stringstream fields(line);
-    for (std::string field; std::getline(fields, field, '\t');) f.push_back(field);
-    f.resize(7);
+  const auto rows = ReadCases(ORV_CASES_DIR "/estimate/templates.tsv", 7);
+  for (const auto& f : rows) {
     SCOPED_TRACE(f[0]);
-    ++cases;
     std::deque<OrvNumberLink> records;
     OrvPtrList list;
     std::stringstream links(f[1]);
@@ -113,7 +107,7 @@ TEST(Page, TemplatesFollowThePageParameter) {
     EXPECT_EQ(page7.url.buf, f[6]);
     EXPECT_STREQ(made.params[made.paramIndex].value.buf, second.params[made.paramIndex].value.buf);
   }
-  EXPECT_GT(cases, 10);
+  EXPECT_GT(rows.size(), 10u);
 }
 
 OrvWebPageCountEstimateImpl& Harvest(OrvWebPageCountEstimateImpl& estimator, var_item* root) {

@@ -9,6 +9,7 @@
 
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "support/Cases.h"
 #include "support/LocalServers.h"
 
 namespace {
@@ -17,18 +18,8 @@ using Clock = std::chrono::steady_clock;
 
 std::string Text(const OrvString& s) { return std::string(s.buf ? s.buf : "", size_t(s.len)); }
 
-// Tab-separated rows of a cases file; lines starting with # are comments.
 std::vector<std::vector<std::string>> Rows(const std::string& name) {
-  std::vector<std::vector<std::string>> rows;
-  std::ifstream in(ORV_CASES_DIR "/http/" + name);
-  for (std::string line; std::getline(in, line);) {
-    if (line.empty() || line[0] == '#') continue;
-    std::stringstream fields(line);
-    rows.emplace_back();
-    for (std::string field; std::getline(fields, field, '\t');) rows.back().push_back(field);
-    rows.back().resize(9);
-  }
-  return rows;
+  return ReadCases(ORV_CASES_DIR "/http/" + name, 9);
 }
 
 const char* const kStatus[] = {"OK",      "BAD_REQUEST", "NETWORK",      "NOT_2XX",

@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "core/Cases.h"
 #include "orvwebpage/OrvSys.h"
+#include "support/Cases.h"
 #include "support/RunTool.h"
 
 namespace {
@@ -82,14 +82,14 @@ TEST(OrvFile, OpenSeekAndExtension) {
   std::remove(made.c_str());
   ASSERT_EQ(f.Open(tmp.path.c_str(), ORV_FILE_READ), 1);
   EXPECT_EQ(f.Write(const_cast<char*>("x"), 1, 0), 0u);  // opened for reading only
-  for (const auto& c : Cases("sys/seeks.tsv")) {
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/sys/seeks.tsv", 8, true)) {
     f.Seek(3);
     const uint64_t got = f.SeekPos(ORV_SEEK_TYPE(std::stoi(c[0])), std::stoll(c[1]));
     EXPECT_EQ(std::to_string(got) + " " + std::to_string(f.GetPos()), c[2]) << c[0] << " " << c[1];
   }
   ASSERT_EQ(f.Open(tmp.path.c_str(), ORV_FILE_WRITE | ORV_FILE_TRUNCATE), 1);
   EXPECT_EQ(f.GetSize(), 0u);
-  for (const auto& c : Cases("sys/extensions.tsv")) {
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/sys/extensions.tsv", 8, true)) {
     f.GetHandleName() = c[0].c_str();  // over the longer names before it
     OrvString ext("old", -1);
     f.GetHandleExt(ext);
