@@ -8,7 +8,6 @@
 #include <memory>
 #include <mutex>
 #include <regex>
-#include <sstream>
 
 #include "orvwebpage/OrvHttpLimits.h"
 #include "support/Cases.h"
@@ -18,11 +17,6 @@
 namespace {
 
 const std::string kCases = ORV_CASES_DIR "/cli/";
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // A field's bytes: {N*text} repeats text, then the case files' escapes.
 std::string Text(const std::string& field) {

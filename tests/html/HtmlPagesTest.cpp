@@ -1,22 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "html/HtmlTestSupport.h"
+#include "support/Cases.h"
 
 namespace {
-
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ostringstream out;
-  out << std::ifstream(path, std::ios::binary).rdbuf();
-  return out.str();
-}
 
 // Start tags of `a` as written: "<a" in either case, then a blank, '>' or '/'.
 int64_t CountLinkTags(const std::string& page) {
@@ -54,10 +46,7 @@ void Summarise(var_item* item, int32_t, void* user) {
 // Real pages open to the same tree in both kinds of document, every record
 // sound, with a link for every `a` tag but those in scripts or comments.
 TEST(OrvHtmlPages, RealPagesOpenAlikeAndSound) {
-  std::vector<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages"))
-    paths.push_back(entry.path());
-  std::sort(paths.begin(), paths.end());
+  const auto paths = RealPagePaths();
   ASSERT_GE(paths.size(), 60u);
   OrvHtml html;
   OrvHtmlDoc probe;

@@ -1,14 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "NodeClasses.h"
 #include "orvwebpage/OrvHtml.h"
+#include "support/Cases.h"
 #include "support/ItemTree.h"
 
 namespace {
@@ -58,18 +55,13 @@ TEST(VisibleNodes, CopiesShareObjectsDoNot) {
 // Every real page classifies alike in a fresh object and in one reused after
 // ClearNodes, handing out the document's own items; most real pages repeat.
 TEST(VisibleNodes, RealPagesTheSameInFreshAndReusedObjects) {
-  std::vector<std::filesystem::path> paths;
-  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages"))
-    paths.push_back(entry.path());
-  std::sort(paths.begin(), paths.end());
+  const auto paths = RealPagePaths();
   ASSERT_GE(paths.size(), 60u);
   size_t withBlocks = 0;
   OrvWebPageVisibleNodes reused;
   OrvHtml doc;
   for (const auto& path : paths) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    std::string page = bytes.str();
+    std::string page = ReadFile(path);
     ASSERT_EQ(doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8), 0) << path;
     std::vector<std::vector<var_item*>> fresh;
     {

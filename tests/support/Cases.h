@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -50,6 +52,22 @@ inline std::vector<std::vector<std::string>> ReadCases(const std::string& path, 
   }
   EXPECT_FALSE(rows.empty()) << "no cases in " << path;
   return rows;
+}
+
+// A whole file's bytes.
+inline std::string ReadFile(const std::filesystem::path& path) {
+  std::ostringstream out;
+  out << std::ifstream(path, std::ios::binary).rdbuf();
+  return out.str();
+}
+
+// The saved real pages, in name order.
+inline std::vector<std::filesystem::path> RealPagePaths() {
+  std::vector<std::filesystem::path> paths;
+  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages"))
+    paths.push_back(entry.path());
+  std::sort(paths.begin(), paths.end());
+  return paths;
 }
 
 // "1 5 9:12 0:64:4": numbers, and ranges from:to:step.
