@@ -12,8 +12,7 @@ inline uint64_t ItemKey(const var_item* item) {
 // Parents are examined from the depth below the shallowest visible item down
 // to the deepest, outermost first, and a parent that makes a block takes
 // everything below it out of the running. Block classes are gathered in pool
-// lists and moved into `classes` in one step by MakeClasses, so that growing
-// the array never copies a class.
+// lists and moved into `classes` in one step by MakeClasses.
 void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
   OrvPtrList parents;
   OrvPtrList group;
@@ -23,20 +22,19 @@ void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
   // `children`. So each depth looks at the parents it added.
   int32_t examined = 0;
   for (int64_t depth = int64_t(minDepth) + 1; depth <= maxDepth; depth++) {
-    OrvPtrList** level = levels.Find(int32_t(depth));
+    OrvNodeList** level = levels.Find(int32_t(depth));
     if (!level) continue;
     CollectParents(parents, **level);
     int32_t added = parents.count;
     for (int32_t i = examined; i < added; i++) {
-      var_item* parent = static_cast<OrvNodeRecord*>(parents.items[i])->item;
-      OrvPtrList** found = children.Find(ItemKey(parent));
+      auto* parent = static_cast<var_item*>(parents.items[i]);
+      OrvNodeList** found = children.Find(ItemKey(parent));
       if (!found) continue;
-      OrvPtrList* list = *found;
+      OrvNodeList* list = *found;
       if (list->count < 2) continue;
       FindSimilarGroup(group, *list);
       if (group.count < 2) continue;
-      OrvPtrList* block = listPool.Alloc();
-      block->count = 0;
+      OrvNodeList* block = NewList();
       CollectBlock(*block, *list);
       children.Remove(ItemKey(parent));
       if (block->count > 0) blocks.Add(block);
@@ -49,29 +47,24 @@ void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
 // parents of different depths differ, so a parent already taken is the last
 // one taken. Otherwise `parents` is matched through a set, which a new
 // (empty) list starts afresh; `parents` grows only through here.
-void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvPtrList& level) {
+void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvNodeList& level) {
   if (parents.count == 0) parentsListed.Clear();
   for (int32_t r = 0; r < level.count; r++) {
-    auto* record = static_cast<OrvNodeRecord*>(level.items[r]);
-    var_item* parent = record->item->parent;
+    var_item* parent = level.items[r]->parent;
     if (classifyInOrder) {
-      if (parents.count > 0 &&
-          static_cast<OrvNodeRecord*>(parents.items[parents.count - 1])->item == parent)
-        continue;
+      if (parents.count > 0 && parents.items[parents.count - 1] == parent) continue;
     } else if (!parentsListed.Add(&parents, parent)) {
       continue;
     }
-    int32_t depth = static_cast<int32_t>(static_cast<uint32_t>(record->depth) - 1u);
-    parents.Add(NewRecord(depth, parent, false));
+    parents.Add(parent);
   }
 }
 
-void OrvVisibleNodeClassifier::CollectBlock(OrvPtrList& block, const OrvPtrList& list) {
-  int32_t n = list.count;
-  for (int32_t r = 0; r < n; r++) CollectBelow(block, static_cast<OrvNodeRecord*>(list.items[r]));
+void OrvVisibleNodeClassifier::CollectBlock(OrvNodeList& block, const OrvNodeList& list) {
+  for (int32_t r = 0; r < list.count; r++) CollectBelow(block, list.items[r]);
 }
 
-void OrvVisibleNodeClassifier::PushFrame(int32_t& size, OrvNodeRecord* record, OrvPtrList* list) {
+void OrvVisibleNodeClassifier::PushFrame(int32_t& size, OrvNodeRecord* record, OrvNodeList* list) {
   if (size == frameCapacity) {
     int64_t grown = frameCapacity ? int64_t(frameCapacity) * 2 : 64;
     if (grown > INT32_MAX) OrvOutOfMemory();
@@ -84,17 +77,17 @@ void OrvVisibleNodeClassifier::PushFrame(int32_t& size, OrvNodeRecord* record, O
 // Document order, parents before their children; a record's key leaves
 // `children` once everything below it is taken. The stack holds one frame per
 // level of the subtree instead of one call.
-void OrvVisibleNodeClassifier::CollectBelow(OrvPtrList& block, OrvNodeRecord* record) {
-  OrvPtrList** found = children.Find(ItemKey(record->item));
+void OrvVisibleNodeClassifier::CollectBelow(OrvNodeList& block, OrvNodeRecord* record) {
+  OrvNodeList** found = children.Find(ItemKey(record->item));
   if (!found) return;
   int32_t size = 0;
   PushFrame(size, record, *found);
   while (size > 0) {
     BelowFrame& frame = frames[size - 1];
     if (frame.next < frame.list->count) {
-      auto* below = static_cast<OrvNodeRecord*>(frame.list->items[frame.next++]);
-      if (IsVisible(below)) block.Add(below);
-      OrvPtrList** more = children.Find(ItemKey(below->item));
+      OrvNodeRecord* below = frame.list->items[frame.next++];
+      if (IsVisible(below)) Add(&block, below);
+      OrvNodeList** more = children.Find(ItemKey(below->item));
       if (more) PushFrame(size, below, *more);
     } else {
       children.Remove(ItemKey(frame.record->item));

@@ -43,10 +43,10 @@ bool OrvVisibleNodeClassifier::IsSimilarItem(var_item* a, var_item* b) {
 // but one alone. Likeness is an equivalence (folded name and folded value),
 // so the first record with a partner is the first one of a kind that occurs
 // twice, which a count by kind finds without comparing every pair.
-void OrvVisibleNodeClassifier::FindSimilarGroup(OrvPtrList& group, const OrvPtrList& list) {
+void OrvVisibleNodeClassifier::FindSimilarGroup(OrvPtrList& group, const OrvNodeList& list) {
   group.count = 0;
   int32_t n = list.count;
-  auto itemAt = [&](int32_t i) { return static_cast<OrvNodeRecord*>(list.items[i])->item; };
+  auto itemAt = [&](int32_t i) { return list.items[i]->item; };
   if (n < 2) {
     if (n == 1) group.Add(list.items[0]);
     return;
@@ -69,7 +69,7 @@ void OrvVisibleNodeClassifier::FindSimilarGroup(OrvPtrList& group, const OrvPtrL
     if (IsSimilarItem(itemAt(i), itemAt(j))) group.Add(list.items[j]);
 }
 
-int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvPtrList& list) {
+int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvNodeList& list) {
   int32_t n = list.count;
   uint32_t capacity = 16;
   while (capacity < uint32_t(n) * 2u) capacity *= 2u;
@@ -87,7 +87,7 @@ int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvPtrList& list) {
   uint32_t mask = capacity - 1;
 
   for (int32_t k = 0; k < n; k++) {
-    var_item* item = static_cast<OrvNodeRecord*>(list.items[k])->item;
+    var_item* item = list.items[k]->item;
     likeOf[k] = -1;
     var_attr* attr = ClassAttr(item);
     if (!attr) continue;
@@ -100,8 +100,7 @@ int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvPtrList& list) {
         likeOf[k] = int32_t(s);
         break;
       }
-      if (slot.hash == hash &&
-          IsSimilarItem(static_cast<OrvNodeRecord*>(list.items[slot.first])->item, item)) {
+      if (slot.hash == hash && IsSimilarItem(list.items[slot.first]->item, item)) {
         slot.count++;
         likeOf[k] = int32_t(s);
         break;

@@ -1,7 +1,5 @@
 #include "nodes/OrvVisibleNodeClassifier.h"
 
-#include <utility>
-
 #include "core/OrvMemory.h"
 
 OrvVisibleNodeClassifier::OrvVisibleNodeClassifier()
@@ -34,24 +32,26 @@ void OrvVisibleNodeClassifier::Classify(var_item* root) {
 // The blocks in their order, then the page class of every visible item by
 // the flat order of the depths; a page without one has no page class.
 void OrvVisibleNodeClassifier::MakeClasses(OrvPtrList& blocks) {
-  OrvPtrList* slots = classes.AddSlots(blocks.count + 1);
-  for (int32_t b = 0; b < blocks.count; b++) {
-    auto* block = static_cast<OrvPtrList*>(blocks.items[b]);
-    std::swap(slots[b].items, block->items);
-    std::swap(slots[b].capacity, block->capacity);
-    slots[b].count = block->count;
-    block->count = 0;
-  }
-  OrvPtrList* page = &slots[blocks.count];
-  page->count = 0;
+  OrvNodeList* made = classes.AddSlots(blocks.count + 1);
+  for (int32_t b = 0; b < blocks.count; b++) made[b] = *static_cast<OrvNodeList*>(blocks.items[b]);
   levels.DropFlat();
   levels.Flatten();
   uint32_t entries = levels.flat ? levels.count : 0;
+  // Sized once: the page class of a large page is most of its records.
+  int64_t most = 0;
+  for (uint32_t e = 0; e < entries; e++) most += levels.flat[e]->value->count;
+  OrvNodeList* page = &made[blocks.count];
+  *page = OrvNodeList{nullptr, 0, 0};
+  if (most > 0) {
+    if (most > INT32_MAX) most = INT32_MAX;
+    page->items = slots.Alloc(size_t(most));
+    page->capacity = int32_t(most);
+  }
   for (uint32_t e = 0; e < entries; e++) {
-    const OrvPtrList* list = levels.flat[e]->value;
+    const OrvNodeList* list = levels.flat[e]->value;
     for (int32_t r = 0; r < list->count; r++) {
-      auto* record = static_cast<OrvNodeRecord*>(list->items[r]);
-      if (IsVisible(record)) page->Add(record);
+      OrvNodeRecord* record = list->items[r];
+      if (IsVisible(record)) Add(page, record);
     }
   }
   if (page->count == 0) classes.RemoveSlot(classes.count - 1);
@@ -60,12 +60,11 @@ void OrvVisibleNodeClassifier::MakeClasses(OrvPtrList& blocks) {
 void OrvVisibleNodeClassifier::Clear() {
   levels.Clear();
   children.Clear();
-  OrvDeleteArray(classes.items);
-  classes.items = nullptr;
   classes.count = 0;
-  classes.capacity = 0;
-  listPool.FreeBlocks();
-  recordPool.FreeBlocks();
+  records.Rewind();
+  lists.Rewind();
+  slots.Rewind();
+  for (auto& free : freeSlots) free = nullptr;
   listed.Clear();
   parentsListed.Clear();
   setKept = false;

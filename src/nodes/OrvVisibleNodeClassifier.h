@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "core/OrvBlockPool.h"
+#include "core/OrvChunkArena.h"
 #include "core/OrvGrowArray.h"
 #include "core/OrvIntMap.h"
 #include "core/OrvPtrList.h"
@@ -10,13 +10,21 @@
 #include "nodes/OrvPairSet.h"
 #include "orvwebpage/OrvItem.h"
 
-// One item seen by the walk, with the depth the walk gave it.
+// One item seen by the walk. Its parent link and nodeTest's answer are copied
+// in when the record is made, so that later passes need not reach into items
+// that a large page has long pushed out of the cache.
 struct OrvNodeRecord {
-  int32_t depth;
   var_item* item;
-  // nodeTest's answer when the record was made, so that later passes need
-  // not reach into items that a large page has long pushed out of the cache.
+  var_item* parent;
   bool visible;
+};
+
+// A list of records whose slots belong to the classifier: copied freely and
+// never freed one by one. A class handed out by FetchClass is one of these.
+struct OrvNodeList {
+  OrvNodeRecord** items;
+  int32_t count;
+  int32_t capacity;
 };
 
 typedef bool (*OrvNodeTest)(var_item* item);
@@ -27,16 +35,17 @@ typedef bool (*OrvNodeTest)(var_item* item);
 //
 // The walk keeps a pruned copy of the tree in two maps: records by depth
 // (`levels`) and by parent item (`children`, key 0 for the top level), holding
-// only the items that are visible or lead to one, each once. Records and lists
-// come from this object's own pools and live until Clear.
+// only the items that are visible or lead to one, each once. Records, lists
+// and their slots come from this object's arenas and live until Clear, which
+// keeps the arenas' memory for the next page.
 class OrvVisibleNodeClassifier : public OrvShared {
  public:
   OrvNodeTest nodeTest;
-  OrvIntMap<int32_t, OrvPtrList*> levels;
-  OrvIntMap<uint64_t, OrvPtrList*, OrvAddressBits> children;  // never enumerated
+  OrvIntMap<int32_t, OrvNodeList*> levels;
+  OrvIntMap<uint64_t, OrvNodeList*, OrvAddressBits> children;  // never enumerated
   int32_t minDepth;
   int32_t maxDepth;
-  OrvGrowArray<OrvPtrList> classes;  // classes.count is the class count
+  OrvGrowArray<OrvNodeList> classes;  // classes.count is the class count
 
   OrvVisibleNodeClassifier();
   virtual ~OrvVisibleNodeClassifier();
@@ -51,18 +60,23 @@ class OrvVisibleNodeClassifier : public OrvShared {
 
   void FindBlocks(OrvPtrList& blocks);
   void MakeClasses(OrvPtrList& blocks);
-  void CollectParents(OrvPtrList& parents, const OrvPtrList& level);
-  void FindSimilarGroup(OrvPtrList& group, const OrvPtrList& list);
+  // parents gets the parent item of each record of level, each once.
+  void CollectParents(OrvPtrList& parents, const OrvNodeList& level);
+  void FindSimilarGroup(OrvPtrList& group, const OrvNodeList& list);
   static bool IsSimilarItem(var_item* a, var_item* b);
-  void CollectBlock(OrvPtrList& block, const OrvPtrList& list);
-  void CollectBelow(OrvPtrList& block, OrvNodeRecord* record);
+  void CollectBlock(OrvNodeList& block, const OrvNodeList& list);
+  void CollectBelow(OrvNodeList& block, OrvNodeRecord* record);
 
   // Drops all records, lists and classes; the maps keep their size.
   void Clear();
 
  private:
-  OrvBlockPool<OrvNodeRecord> recordPool;
-  OrvBlockPool<OrvPtrList> listPool;
+  OrvChunkArena<OrvNodeRecord> records;
+  OrvChunkArena<OrvNodeList> lists;
+  OrvChunkArena<OrvNodeRecord*> slots;
+  // Slots a growing list left behind, by capacity: freeSlots[k] chains pieces
+  // of 2^k slots through their first slot.
+  OrvNodeRecord** freeSlots[32] = {};
 
   // "Does this list already hold a record of this item" has two answers that
   // agree. While one walk fills empty maps from a tree whose parent links
@@ -99,7 +113,7 @@ class OrvVisibleNodeClassifier : public OrvShared {
   // how far through them it is.
   struct BelowFrame {
     OrvNodeRecord* record;
-    OrvPtrList* list;
+    OrvNodeList* list;
     int32_t next;
   };
   BelowFrame* frames = nullptr;
@@ -113,17 +127,21 @@ class OrvVisibleNodeClassifier : public OrvShared {
 
   // visible is nodeTest's answer for the item, or false for a record that
   // only names a parent and is never tested.
-  OrvNodeRecord* NewRecord(int32_t depth, var_item* item, bool visible);
+  OrvNodeRecord* NewRecord(var_item* item, var_item* parent, bool visible);
   bool IsVisible(const OrvNodeRecord* record) const {
     if (testsMixed || nodeTest != recordTest) return nodeTest(record->item);
     return record->visible;
   }
-  OrvPtrList* ListUnder(OrvPtrList** slot);
+  OrvNodeList* NewList();
+  OrvNodeList* ListUnder(OrvNodeList** slot);
+  void Add(OrvNodeList* list, OrvNodeRecord* record);
+  void Grow(OrvNodeList* list);
+  OrvNodeRecord** TakeSlots(int32_t capacity);
   void Accept(var_item* item, int32_t depth);
   bool FollowsPath(var_item* item, int32_t depth);
   void KeepSet();
-  bool Holds(OrvPtrList** list, var_item* item) const;
-  void Append(OrvPtrList* list, OrvNodeRecord* record);
-  int32_t FirstWithPartner(const OrvPtrList& list);
-  void PushFrame(int32_t& size, OrvNodeRecord* record, OrvPtrList* list);
+  bool Holds(OrvNodeList** list, var_item* item) const;
+  void Append(OrvNodeList* list, OrvNodeRecord* record);
+  int32_t FirstWithPartner(const OrvNodeList& list);
+  void PushFrame(int32_t& size, OrvNodeRecord* record, OrvNodeList* list);
 };

@@ -3,8 +3,6 @@
 
 namespace {
 
-constexpr int32_t kFirstListSlots = 4;
-
 // The key of a parent in `children`: its address, 0 for the top level.
 inline uint64_t ParentKey(const var_item* item) {
   return static_cast<uint64_t>(reinterpret_cast<uintptr_t>(item));
@@ -18,32 +16,17 @@ inline int32_t Above(int32_t depth) {
 
 }  // namespace
 
-OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(int32_t depth, var_item* item, bool visible) {
+OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(var_item* item, var_item* parent, bool visible) {
   if (nodeTest != recordTest) {
     testsMixed = testsMixed || recordsMade;
     recordTest = nodeTest;
   }
   recordsMade = true;
-  OrvNodeRecord* record = recordPool.Alloc();
-  record->depth = depth;
+  OrvNodeRecord* record = records.Alloc(1);
   record->item = item;
+  record->parent = parent;
   record->visible = visible;
   return record;
-}
-
-// Most lists of a page hold one to three records, so a new list starts with
-// room for four instead of the usual 32; it grows as any list does.
-OrvPtrList* OrvVisibleNodeClassifier::ListUnder(OrvPtrList** slot) {
-  if (!*slot) {
-    OrvPtrList* list = listPool.Alloc();
-    list->count = 0;
-    if (!list->items) {
-      list->items = static_cast<void**>(OrvAllocBytes(kFirstListSlots * sizeof(void*)));
-      list->capacity = kFirstListSlots;
-    }
-    *slot = list;
-  }
-  return *slot;
 }
 
 void OrvVisibleNodeClassifier::OnItem(var_item* item, int32_t depth, void* user) {
@@ -79,28 +62,26 @@ void OrvVisibleNodeClassifier::KeepSet() {
   listed.Clear();
   for (uint32_t b = 0; b < levels.bucketCount; b++)
     for (uint32_t e = 0; e < levels.buckets[b].used; e++) {
-      OrvPtrList* list = levels.buckets[b].entries[e].value;
-      for (int32_t r = 0; r < list->count; r++)
-        listed.Add(list, static_cast<OrvNodeRecord*>(list->items[r])->item);
+      const OrvNodeList* list = levels.buckets[b].entries[e].value;
+      for (int32_t r = 0; r < list->count; r++) listed.Add(list, list->items[r]->item);
     }
   for (uint32_t b = 0; b < children.bucketCount; b++)
     for (uint32_t e = 0; e < children.buckets[b].used; e++) {
-      OrvPtrList* list = children.buckets[b].entries[e].value;
-      for (int32_t r = 0; r < list->count; r++)
-        listed.Add(list, static_cast<OrvNodeRecord*>(list->items[r])->item);
+      const OrvNodeList* list = children.buckets[b].entries[e].value;
+      for (int32_t r = 0; r < list->count; r++) listed.Add(list, list->items[r]->item);
     }
   setKept = true;
 }
 
-bool OrvVisibleNodeClassifier::Holds(OrvPtrList** list, var_item* item) const {
+bool OrvVisibleNodeClassifier::Holds(OrvNodeList** list, var_item* item) const {
   if (!list) return false;
   if (setKept) return listed.Contains(*list, item);
-  const OrvPtrList* l = *list;
-  return l->count > 0 && static_cast<OrvNodeRecord*>(l->items[l->count - 1])->item == item;
+  const OrvNodeList* l = *list;
+  return l->count > 0 && l->items[l->count - 1]->item == item;
 }
 
-void OrvVisibleNodeClassifier::Append(OrvPtrList* list, OrvNodeRecord* record) {
-  list->Add(record);
+void OrvVisibleNodeClassifier::Append(OrvNodeList* list, OrvNodeRecord* record) {
+  Add(list, record);
   if (setKept) listed.Add(list, record->item);
 }
 
@@ -116,8 +97,8 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
   if (walkInOrder && !FollowsPath(item, depth)) walkInOrder = false;
   if (!walkInOrder && !setKept) KeepSet();
   if (!nodeTest(item)) return;
-  OrvNodeRecord* record = NewRecord(depth, item, true);
-  Append(ListUnder(children.Insert(ParentKey(item->parent))), record);
+  OrvNodeRecord* record = NewRecord(item, item->parent, true);
+  Append(ListUnder(children.Insert(ParentKey(record->parent))), record);
   Append(ListUnder(levels.Insert(depth)), record);
 
   int32_t at = depth;
@@ -127,7 +108,7 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
     bool inLevel = Holds(levels.Find(at), ancestor);
     bool inChildren = Holds(children.Find(key), ancestor);
     if (inLevel && inChildren) break;
-    OrvNodeRecord* chained = NewRecord(at, ancestor, nodeTest(ancestor));
+    OrvNodeRecord* chained = NewRecord(ancestor, ancestor->parent, nodeTest(ancestor));
     if (!inChildren) Append(ListUnder(children.Insert(key)), chained);
     if (!inLevel) Append(ListUnder(levels.Insert(at)), chained);
   }

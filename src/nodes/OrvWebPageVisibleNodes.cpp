@@ -30,12 +30,12 @@ void* OrvWebPageVisibleNodes::FetchClass(int index) {
 }
 
 int OrvWebPageVisibleNodes::GetNodesCount(void* handle) {
-  return static_cast<OrvPtrList*>(handle)->count;
+  return static_cast<OrvNodeList*>(handle)->count;
 }
 
 int OrvWebPageVisibleNodes::FetchNode(void* handle, int index, var_item*& item) {
-  auto* list = static_cast<OrvPtrList*>(handle);
+  auto* list = static_cast<OrvNodeList*>(handle);
   if (index < 0 || index >= list->count) return 0;
-  item = static_cast<OrvNodeRecord*>(list->items[index])->item;
+  item = list->items[index]->item;
   return 1;
 }

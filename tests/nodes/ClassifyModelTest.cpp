@@ -156,9 +156,8 @@ TEST(ClassifyModel, RandomTreesMatchTheLiteralSteps) {
         classifier.Classify(root);
         Lists got(size_t(classifier.classes.count));
         for (size_t c = 0; c < got.size(); c++) {
-          const OrvPtrList& list = classifier.classes.items[c];
-          for (int32_t i = 0; i < list.count; i++)
-            got[c].push_back(static_cast<OrvNodeRecord*>(list.items[i])->item);
+          const OrvNodeList& list = classifier.classes.items[c];
+          for (int32_t i = 0; i < list.count; i++) got[c].push_back(list.items[i]->item);
         }
         ASSERT_EQ(got, expected) << "round " << round << " run " << run << "\n" << description;
       }
