@@ -16,17 +16,17 @@ inline uint64_t ItemKey(const var_item* item) {
 void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
   OrvPtrList parents;
   OrvPtrList group;
-  parentsListed.Clear();
   // A parent once examined would only be found again with the same outcome:
   // no list changes during the classification and keys only ever leave
-  // `children`. So each depth looks at the parents it added.
-  int32_t examined = 0;
+  // `children`. So each depth looks at the parents it adds, and the set that
+  // tells them from those taken before lasts the whole search.
+  parentsListed.Clear();
   for (int64_t depth = int64_t(minDepth) + 1; depth <= maxDepth; depth++) {
-    OrvNodeList** level = levels.Find(int32_t(depth));
+    OrvLevel** level = levels.Find(int32_t(depth));
     if (!level) continue;
+    parents.count = 0;
     CollectParents(parents, **level);
-    int32_t added = parents.count;
-    for (int32_t i = examined; i < added; i++) {
+    for (int32_t i = 0; i < parents.count; i++) {
       auto* parent = static_cast<var_item*>(parents.items[i]);
       OrvNodeList** found = children.Find(ItemKey(parent));
       if (!found) continue;
@@ -39,25 +39,22 @@ void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
       children.Remove(ItemKey(parent));
       if (block->count > 0) blocks.Add(block);
     }
-    examined = added;
   }
 }
 
 // After a walk in order, each level lists its items in document order and
 // parents of different depths differ, so a parent already taken is the last
-// one taken. Otherwise `parents` is matched through a set, which a new
-// (empty) list starts afresh; `parents` grows only through here.
-void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvNodeList& level) {
-  if (parents.count == 0) parentsListed.Clear();
-  for (int32_t r = 0; r < level.count; r++) {
-    var_item* parent = level.items[r]->parent;
+// one taken. Otherwise parents are matched through `parentsListed`.
+void OrvVisibleNodeClassifier::CollectParents(OrvPtrList& parents, const OrvLevel& level) {
+  level.ForEach([&](const OrvNodeRecord* record) {
+    var_item* parent = record->parent;
     if (classifyInOrder) {
-      if (parents.count > 0 && parents.items[parents.count - 1] == parent) continue;
+      if (parents.count > 0 && parents.items[parents.count - 1] == parent) return;
     } else if (!parentsListed.Add(&parents, parent)) {
-      continue;
+      return;
     }
     parents.Add(parent);
-  }
+  });
 }
 
 void OrvVisibleNodeClassifier::CollectBlock(OrvNodeList& block, const OrvNodeList& list) {

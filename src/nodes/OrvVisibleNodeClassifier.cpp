@@ -47,13 +47,10 @@ void OrvVisibleNodeClassifier::MakeClasses(OrvPtrList& blocks) {
     page->items = slots.Alloc(size_t(most));
     page->capacity = int32_t(most);
   }
-  for (uint32_t e = 0; e < entries; e++) {
-    const OrvNodeList* list = levels.flat[e]->value;
-    for (int32_t r = 0; r < list->count; r++) {
-      OrvNodeRecord* record = list->items[r];
+  for (uint32_t e = 0; e < entries; e++)
+    levels.flat[e]->value->ForEach([&](OrvNodeRecord* record) {
       if (IsVisible(record)) Add(page, record);
-    }
-  }
+    });
   if (page->count == 0) classes.RemoveSlot(classes.count - 1);
 }
 
@@ -63,6 +60,8 @@ void OrvVisibleNodeClassifier::Clear() {
   classes.count = 0;
   records.Rewind();
   lists.Rewind();
+  levelHeads.Rewind();
+  levelPieces.Rewind();
   slots.Rewind();
   for (auto& free : freeSlots) free = nullptr;
   listed.Clear();

@@ -27,6 +27,27 @@ struct OrvNodeList {
   int32_t capacity;
 };
 
+// The records of one depth in the order they came, held in pieces of their
+// own, so that the passes over a depth read memory in order.
+struct OrvLevelPiece {
+  OrvLevelPiece* next;
+  OrvNodeRecord* records;
+  int32_t count;
+  int32_t capacity;
+};
+
+struct OrvLevel {
+  OrvLevelPiece* first;
+  OrvLevelPiece* last;  // never empty once the level exists
+  int64_t count;
+
+  template <class Visit>
+  void ForEach(Visit visit) const {
+    for (const OrvLevelPiece* piece = first; piece; piece = piece->next)
+      for (int32_t r = 0; r < piece->count; r++) visit(&piece->records[r]);
+  }
+};
+
 typedef bool (*OrvNodeTest)(var_item* item);
 
 // Sorts the visible items of a page into classes: one per outermost repeated
@@ -41,7 +62,7 @@ typedef bool (*OrvNodeTest)(var_item* item);
 class OrvVisibleNodeClassifier : public OrvShared {
  public:
   OrvNodeTest nodeTest;
-  OrvIntMap<int32_t, OrvNodeList*> levels;
+  OrvIntMap<int32_t, OrvLevel*> levels;
   OrvIntMap<uint64_t, OrvNodeList*, OrvAddressBits> children;  // never enumerated
   int32_t minDepth;
   int32_t maxDepth;
@@ -61,7 +82,7 @@ class OrvVisibleNodeClassifier : public OrvShared {
   void FindBlocks(OrvPtrList& blocks);
   void MakeClasses(OrvPtrList& blocks);
   // parents gets the parent item of each record of level, each once.
-  void CollectParents(OrvPtrList& parents, const OrvNodeList& level);
+  void CollectParents(OrvPtrList& parents, const OrvLevel& level);
   void FindSimilarGroup(OrvPtrList& group, const OrvNodeList& list);
   static bool IsSimilarItem(var_item* a, var_item* b);
   void CollectBlock(OrvNodeList& block, const OrvNodeList& list);
@@ -73,6 +94,8 @@ class OrvVisibleNodeClassifier : public OrvShared {
  private:
   OrvChunkArena<OrvNodeRecord> records;
   OrvChunkArena<OrvNodeList> lists;
+  OrvChunkArena<OrvLevel> levelHeads;
+  OrvChunkArena<OrvLevelPiece> levelPieces;
   OrvChunkArena<OrvNodeRecord*> slots;
   // Slots a growing list left behind, by capacity: freeSlots[k] chains pieces
   // of 2^k slots through their first slot.
@@ -128,6 +151,8 @@ class OrvVisibleNodeClassifier : public OrvShared {
   // visible is nodeTest's answer for the item, or false for a record that
   // only names a parent and is never tested.
   OrvNodeRecord* NewRecord(var_item* item, var_item* parent, bool visible);
+  OrvNodeRecord* NewRecordAt(int32_t depth, var_item* item, var_item* parent, bool visible);
+  void Fill(OrvNodeRecord* record, var_item* item, var_item* parent, bool visible);
   bool IsVisible(const OrvNodeRecord* record) const {
     if (testsMixed || nodeTest != recordTest) return nodeTest(record->item);
     return record->visible;
@@ -141,6 +166,7 @@ class OrvVisibleNodeClassifier : public OrvShared {
   bool FollowsPath(var_item* item, int32_t depth);
   void KeepSet();
   bool Holds(OrvNodeList** list, var_item* item) const;
+  bool Holds(OrvLevel** level, var_item* item) const;
   void Append(OrvNodeList* list, OrvNodeRecord* record);
   int32_t FirstWithPartner(const OrvNodeList& list);
   void PushFrame(int32_t& size, OrvNodeRecord* record, OrvNodeList* list);

@@ -16,16 +16,49 @@ inline int32_t Above(int32_t depth) {
 
 }  // namespace
 
-OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(var_item* item, var_item* parent, bool visible) {
+void OrvVisibleNodeClassifier::Fill(OrvNodeRecord* record, var_item* item, var_item* parent,
+                                    bool visible) {
   if (nodeTest != recordTest) {
     testsMixed = testsMixed || recordsMade;
     recordTest = nodeTest;
   }
   recordsMade = true;
-  OrvNodeRecord* record = records.Alloc(1);
   record->item = item;
   record->parent = parent;
   record->visible = visible;
+}
+
+// A record that stands under its parent only.
+OrvNodeRecord* OrvVisibleNodeClassifier::NewRecord(var_item* item, var_item* parent, bool visible) {
+  OrvNodeRecord* record = records.Alloc(1);
+  Fill(record, item, parent, visible);
+  return record;
+}
+
+// A record that goes last at its depth: it is made there. Pieces start small,
+// as most depths of a page hold a handful of records, and double to 512.
+OrvNodeRecord* OrvVisibleNodeClassifier::NewRecordAt(int32_t depth, var_item* item,
+                                                     var_item* parent, bool visible) {
+  OrvLevel*& level = *levels.Insert(depth);
+  if (!level) {
+    level = levelHeads.Alloc(1);
+    *level = OrvLevel{nullptr, nullptr, 0};
+  }
+  OrvLevelPiece* piece = level->last;
+  if (!piece || piece->count == piece->capacity) {
+    int32_t capacity = piece ? (piece->capacity < 512 ? piece->capacity * 2 : 512) : 8;
+    OrvLevelPiece* fresh = levelPieces.Alloc(1);
+    *fresh = OrvLevelPiece{nullptr, records.Alloc(size_t(capacity)), 0, capacity};
+    if (piece)
+      piece->next = fresh;
+    else
+      level->first = fresh;
+    level->last = piece = fresh;
+  }
+  OrvNodeRecord* record = &piece->records[piece->count++];
+  level->count++;
+  Fill(record, item, parent, visible);
+  if (setKept) listed.Add(level, item);
   return record;
 }
 
@@ -62,8 +95,8 @@ void OrvVisibleNodeClassifier::KeepSet() {
   listed.Clear();
   for (uint32_t b = 0; b < levels.bucketCount; b++)
     for (uint32_t e = 0; e < levels.buckets[b].used; e++) {
-      const OrvNodeList* list = levels.buckets[b].entries[e].value;
-      for (int32_t r = 0; r < list->count; r++) listed.Add(list, list->items[r]->item);
+      const OrvLevel* level = levels.buckets[b].entries[e].value;
+      level->ForEach([&](const OrvNodeRecord* record) { listed.Add(level, record->item); });
     }
   for (uint32_t b = 0; b < children.bucketCount; b++)
     for (uint32_t e = 0; e < children.buckets[b].used; e++) {
@@ -78,6 +111,13 @@ bool OrvVisibleNodeClassifier::Holds(OrvNodeList** list, var_item* item) const {
   if (setKept) return listed.Contains(*list, item);
   const OrvNodeList* l = *list;
   return l->count > 0 && l->items[l->count - 1]->item == item;
+}
+
+bool OrvVisibleNodeClassifier::Holds(OrvLevel** level, var_item* item) const {
+  if (!level) return false;
+  if (setKept) return listed.Contains(*level, item);
+  const OrvLevelPiece* last = (*level)->last;
+  return last->records[last->count - 1].item == item;
 }
 
 void OrvVisibleNodeClassifier::Append(OrvNodeList* list, OrvNodeRecord* record) {
@@ -97,9 +137,8 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
   if (walkInOrder && !FollowsPath(item, depth)) walkInOrder = false;
   if (!walkInOrder && !setKept) KeepSet();
   if (!nodeTest(item)) return;
-  OrvNodeRecord* record = NewRecord(item, item->parent, true);
+  OrvNodeRecord* record = NewRecordAt(depth, item, item->parent, true);
   Append(ListUnder(children.Insert(ParentKey(record->parent))), record);
-  Append(ListUnder(levels.Insert(depth)), record);
 
   int32_t at = depth;
   for (var_item* ancestor = item->parent; ancestor; ancestor = ancestor->parent) {
@@ -108,9 +147,10 @@ void OrvVisibleNodeClassifier::Accept(var_item* item, int32_t depth) {
     bool inLevel = Holds(levels.Find(at), ancestor);
     bool inChildren = Holds(children.Find(key), ancestor);
     if (inLevel && inChildren) break;
-    OrvNodeRecord* chained = NewRecord(ancestor, ancestor->parent, nodeTest(ancestor));
+    bool visible = nodeTest(ancestor);
+    OrvNodeRecord* chained = inLevel ? NewRecord(ancestor, ancestor->parent, visible)
+                                     : NewRecordAt(at, ancestor, ancestor->parent, visible);
     if (!inChildren) Append(ListUnder(children.Insert(key)), chained);
-    if (!inLevel) Append(ListUnder(levels.Insert(at)), chained);
   }
 
   if (minDepth > depth) minDepth = depth;
