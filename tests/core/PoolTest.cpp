@@ -1,4 +1,5 @@
 #include "core/OrvBlockPool.h"
+#include "core/OrvChunkArena.h"
 #include "core/OrvGrowArray.h"
 #include "core/OrvPtrList.h"
 #include "core/OrvTextArena.h"
@@ -85,6 +86,27 @@ TEST(OrvTextArena, CopiesStayPutAndIntact) {
       copies.back().second = arena.Copy(copies.back().first.data(), length);
     }
   for (const auto& [text, copy] : copies) ASSERT_EQ(std::string(copy, text.size()), text);
+}
+
+// Pieces of a round never overlap, small and large alike; the next round
+// after Rewind starts in the memory the last one started in.
+TEST(OrvChunkArena, PiecesApartAndMemoryReused) {
+  OrvChunkArena<uint64_t> arena;
+  uint64_t* firstPiece = nullptr;
+  for (int round = 0; round < 3; round++) {
+    std::vector<std::pair<uint64_t*, size_t>> pieces;
+    for (size_t n : {1, 7, 8191, 8192, 100000, 3})
+      for (int i = 0; i < 20; i++) {
+        uint64_t* piece = arena.Alloc(n);
+        for (size_t k = 0; k < n; k++) piece[k] = pieces.size();
+        pieces.push_back({piece, n});
+      }
+    for (size_t p = 0; p < pieces.size(); p++)
+      for (size_t k = 0; k < pieces[p].second; k++) ASSERT_EQ(pieces[p].first[k], p) << round;
+    if (round == 0) firstPiece = pieces[0].first;
+    EXPECT_EQ(pieces[0].first, firstPiece) << round;
+    arena.Rewind();
+  }
 }
 
 }  // namespace
