@@ -11,8 +11,8 @@ inline uint64_t ItemKey(const var_item* item) {
 
 // Parents are examined from the depth below the shallowest visible item down
 // to the deepest, outermost first, and a parent that makes a block takes
-// everything below it out of the running. Block classes are gathered in pool
-// lists and moved into `classes` in one step by MakeClasses.
+// everything below it out of the running. Block classes are gathered in lists
+// of their own and copied into `classes` in one step by MakeClasses.
 void OrvVisibleNodeClassifier::FindBlocks(OrvPtrList& blocks) {
   OrvPtrList parents;
   OrvPtrList group;

@@ -88,7 +88,8 @@ class OrvVisibleNodeClassifier : public OrvShared {
   void CollectBlock(OrvNodeList& block, const OrvNodeList& list);
   void CollectBelow(OrvNodeList& block, OrvNodeRecord* record);
 
-  // Drops all records, lists and classes; the maps keep their size.
+  // Drops all records, lists and classes; the maps keep their size and the
+  // arenas their memory.
   void Clear();
 
  private:
@@ -148,8 +149,7 @@ class OrvVisibleNodeClassifier : public OrvShared {
   bool recordsMade = false;
   bool testsMixed = false;
 
-  // visible is nodeTest's answer for the item, or false for a record that
-  // only names a parent and is never tested.
+  // visible is nodeTest's answer for the item.
   OrvNodeRecord* NewRecord(var_item* item, var_item* parent, bool visible);
   OrvNodeRecord* NewRecordAt(int32_t depth, var_item* item, var_item* parent, bool visible);
   void Fill(OrvNodeRecord* record, var_item* item, var_item* parent, bool visible);
