@@ -21,7 +21,7 @@ class OrvChunkArena {
   OrvChunkArena& operator=(const OrvChunkArena&) = delete;
   ~OrvChunkArena() {
     Rewind();
-    FreeChain(spare);
+    OrvFreeChain(spare, &Chunk::older);
   }
 
   // Room for n values (n >= 1), uninitialised, until the next Rewind.
@@ -35,7 +35,7 @@ class OrvChunkArena {
 
   // Chunks of the usual size stay, up to a bound; larger ones go back.
   void Rewind() {
-    FreeChain(large);
+    OrvFreeChain(large, &Chunk::older);
     large = nullptr;
     while (used) {
       Chunk* c = used;
@@ -70,14 +70,6 @@ class OrvChunkArena {
   size_t left = 0;
 
   static T* ValuesOf(Chunk* c) { return reinterpret_cast<T*>(reinterpret_cast<char*>(c) + 64); }
-
-  static void FreeChain(Chunk* c) {
-    while (c) {
-      Chunk* older = c->older;
-      OrvFreeBytes(c);
-      c = older;
-    }
-  }
 
   T* Fresh(size_t n) {
     if (n > kChunkValues / 4) {

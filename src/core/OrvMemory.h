@@ -24,6 +24,16 @@ inline void* OrvReallocBytes(void* p, std::size_t bytes) {
   return q;
 }
 
+// Frees every block of a chain whose link to the next is the member `link`.
+template <class Block>
+void OrvFreeChain(Block* block, Block* Block::*link) {
+  while (block) {
+    Block* next = block->*link;
+    OrvFreeBytes(block);
+    block = next;
+  }
+}
+
 template <class T, class... Args>
 T* OrvNew(Args&&... args) {
   T* p = new (std::nothrow) T(std::forward<Args>(args)...);

@@ -24,8 +24,8 @@ class OrvTextArena {
   }
 
   void FreeAll() {
-    FreeChain(current);
-    FreeChain(large);
+    OrvFreeChain(current, &Chunk::older);
+    OrvFreeChain(large, &Chunk::older);
     current = large = nullptr;
     left = 0;
     next = nullptr;
@@ -48,14 +48,6 @@ class OrvTextArena {
     auto* c = static_cast<Chunk*>(OrvAllocBytes(sizeof(Chunk) + bytes));
     c->older = older;
     return c;
-  }
-
-  static void FreeChain(Chunk* c) {
-    while (c) {
-      Chunk* older = c->older;
-      OrvFreeBytes(c);
-      c = older;
-    }
   }
 
   char* Room(size_t n) {

@@ -55,17 +55,9 @@ void OrvDocArena::Reset() {
   nextSize = kFirstChunk;
 }
 
-void OrvDocArena::FreeChain(OrvDocChunk* chunk) {
-  while (chunk) {
-    OrvDocChunk* next = chunk->next;
-    OrvFreeBytes(chunk);
-    chunk = next;
-  }
-}
-
 void OrvDocArena::Release() {
-  FreeChain(chunks);
-  FreeChain(spares);
+  OrvFreeChain(chunks, &OrvDocChunk::next);
+  OrvFreeChain(spares, &OrvDocChunk::next);
   chunks = nullptr;
   spares = nullptr;
   spareBytes = 0;

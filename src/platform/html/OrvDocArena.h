@@ -47,5 +47,4 @@ struct OrvDocArena {
  private:
   void AddChunk(size_t atLeast);
   OrvDocChunk* TakeSpare(size_t atLeast);
-  static void FreeChain(OrvDocChunk* chunk);
 };
