@@ -233,6 +233,7 @@ void UseDecided(htmlParserCtxtPtr ctxt, const OrvPageCharset& decided) {
       UseEncoding(ctxt, XML_CHAR_ENCODING_UTF8, nullptr, "UTF-8");
       break;
     case OrvPageCharsetKind::kWindows1252:  // too large to convert beforehand
+    case OrvPageCharsetKind::kLatin1:
       UseEncoding(ctxt, XML_CHAR_ENCODING_8859_1, nullptr, "ISO-8859-1");
       break;
     case OrvPageCharsetKind::kUtf16Le:
@@ -265,7 +266,10 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
 
   size_t size = size_t(length);
   OrvPageCharset decided;
-  if (charset != ORV_CHARSET_BYTES) decided = OrvDecidePageCharset(text, size, contentType);
+  if (charset == ORV_CHARSET_BYTES)
+    decided.kind = OrvPageCharsetKind::kLatin1;
+  else
+    decided = OrvDecidePageCharset(text, size, contentType);
   bool wide =
       decided.kind == OrvPageCharsetKind::kUtf16Le || decided.kind == OrvPageCharsetKind::kUtf16Be;
   char* cleaned = OrvTamePage(text, size, wide);
@@ -276,14 +280,26 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
   }
   const auto* bytes = reinterpret_cast<const unsigned char*>(page);
   bool windows1252 = decided.kind == OrvPageCharsetKind::kWindows1252;
+  // The parser's own Latin-1 decoder goes a byte at a time; most pages are
+  // ASCII, whose bytes are their UTF-8, and the rest is decoded here in runs.
+  bool latin1 = decided.kind == OrvPageCharsetKind::kLatin1;
+  if (latin1 && OrvIsAscii(bytes, size)) {
+    latin1 = false;
+    decided.kind = OrvPageCharsetKind::kUtf8;
+  }
   // The parser meets an ill-formed UTF-8 sequence by reading on as Latin-1
   // from a point that depends on its buffers, so the same page could give
   // different text; browsers put one U+FFFD in its place and read on.
   bool illFormed = charset != ORV_CHARSET_BYTES && decided.kind == OrvPageCharsetKind::kUtf8 &&
                    !OrvIsValidUtf8(bytes, size);
-  if ((windows1252 || illFormed) && size <= size_t(INT_MAX) / 3) {
+  if ((windows1252 || latin1 || illFormed) && size <= size_t(INT_MAX) / 3) {
     char* utf8 = static_cast<char*>(OrvAllocBytes(3 * size));
-    size = windows1252 ? OrvWindows1252ToUtf8(utf8, bytes, size) : OrvRepairUtf8(utf8, bytes, size);
+    if (windows1252)
+      size = OrvWindows1252ToUtf8(utf8, bytes, size);
+    else if (latin1)
+      size = OrvLatin1ToUtf8(utf8, bytes, size);
+    else
+      size = OrvRepairUtf8(utf8, bytes, size);
     OrvFreeBytes(cleaned);
     page = cleaned = utf8;
     decided.kind = OrvPageCharsetKind::kUtf8;
@@ -305,13 +321,9 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
   ctxt->options |= XML_PARSE_HUGE;
   *ctxt->sax = MakeHandler();
   ctxt->userData = &builder;
-  if (charset == ORV_CHARSET_BYTES) {
-    // Every byte a character of its own, whatever the page claims; setting the
-    // context's encoding also keeps byte-order marks from being looked for.
-    UseEncoding(ctxt, XML_CHAR_ENCODING_8859_1, nullptr, "ISO-8859-1");
-  } else {
-    UseDecided(ctxt, decided);
-  }
+  // Setting the context's encoding also keeps byte-order marks from being
+  // looked for in pages read as bytes.
+  UseDecided(ctxt, decided);
   htmlParseDocument(ctxt);
   builder.FlushText();
   root = builder.first;

@@ -13,6 +13,13 @@ using Kind = OrvPageCharsetKind;
 // a page is taken to have none.
 constexpr size_t kMetaWindow = 64 * 1024;
 
+// Pages are mostly ASCII: they are read eight bytes at a time while no high
+// bit is set.
+bool IsAsciiWord(const unsigned char* p, size_t left) {
+  uint64_t word;
+  return left >= 8 && (std::memcpy(&word, p, 8), (word & 0x8080808080808080ull) == 0);
+}
+
 bool IsSpace(unsigned char c) {
   return c == 0x09 || c == 0x0A || c == 0x0C || c == 0x0D || c == 0x20;
 }
@@ -253,9 +260,7 @@ size_t Utf8Sequence(const unsigned char* p, size_t n, size_t& bad) {
 bool OrvIsValidUtf8(const unsigned char* p, size_t n) {
   size_t i = 0;
   while (i < n) {
-    // Pages are mostly ASCII: eight bytes at a time while no high bit is set.
-    uint64_t word;
-    if (n - i >= 8 && (std::memcpy(&word, p + i, 8), (word & 0x8080808080808080ull) == 0)) {
+    if (IsAsciiWord(p + i, n - i)) {
       i += 8;
       continue;
     }
@@ -281,6 +286,36 @@ size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t n) {
       std::memcpy(out + o, "\xEF\xBF\xBD", 3);
       o += 3;
       i += bad;
+    }
+  }
+  return o;
+}
+
+bool OrvIsAscii(const unsigned char* p, size_t n) {
+  size_t i = 0;
+  while (IsAsciiWord(p + i, n - i)) i += 8;
+  for (; i < n; i++) {
+    if (p[i] >= 0x80) return false;
+  }
+  return true;
+}
+
+size_t OrvLatin1ToUtf8(char* out, const unsigned char* in, size_t n) {
+  size_t o = 0;
+  size_t i = 0;
+  while (i < n) {
+    if (IsAsciiWord(in + i, n - i)) {
+      std::memcpy(out + o, in + i, 8);
+      o += 8;
+      i += 8;
+      continue;
+    }
+    unsigned char c = in[i++];
+    if (c < 0x80) {
+      out[o++] = char(c);
+    } else {
+      out[o++] = char(0xC0 | (c >> 6));
+      out[o++] = char(0x80 | (c & 0x3F));
     }
   }
   return o;

@@ -12,7 +12,8 @@ enum class OrvPageCharsetKind {
   kWindows1252,  // also every Latin-1 and ASCII label, as browsers read them
   kUtf16Le,
   kUtf16Be,
-  kOther,  // label holds a name the parser's converters accept
+  kOther,   // label holds a name the parser's converters accept
+  kLatin1,  // every byte a character of its own: pages read as bytes
 };
 
 struct OrvPageCharset {
@@ -31,6 +32,11 @@ bool OrvIsValidUtf8(const unsigned char* text, size_t length);
 // Well-formed UTF-8 of text that should have been UTF-8: every ill-formed
 // sequence becomes one U+FFFD, as browsers decode it. out holds 3 * length.
 size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t length);
+
+bool OrvIsAscii(const unsigned char* text, size_t length);
+
+// UTF-8 of Latin-1 bytes. out holds 2 * length.
+size_t OrvLatin1ToUtf8(char* out, const unsigned char* in, size_t length);
 
 // UTF-8 of windows-1252 bytes; bytes the code page leaves undefined become the
 // C1 control of the same number, as browsers decode them. out holds 3 * length.
