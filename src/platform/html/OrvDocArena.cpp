@@ -1,5 +1,7 @@
 #include "platform/html/OrvDocArena.h"
 
+#include <cstring>
+
 #include "core/OrvMemory.h"
 
 namespace {
@@ -20,6 +22,14 @@ void OrvDocArena::AddChunk(size_t atLeast) {
   chunks = chunk;
   cursor = ChunkData(chunk);
   limit = cursor + chunk->size;
+}
+
+// A text that outgrows its chunk takes one twice its size, so a long text
+// is copied a bounded number of times over.
+void OrvDocArena::MoveText(size_t held, size_t more) {
+  const char* text = cursor;
+  AddChunk(2 * (held + more) + 8);
+  if (held) std::memcpy(cursor, text, held);
 }
 
 // The largest spare that holds atLeast bytes: the next tree starts in the

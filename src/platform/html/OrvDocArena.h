@@ -39,6 +39,14 @@ struct OrvDocArena {
     return p;
   }
 
+  // Room at the cursor for a text being written there: its first held bytes
+  // stay in front (moved to a new chunk when this one is full), more may
+  // follow, and a NUL after them. Alloc then takes the text where it lies.
+  char* TextRoom(size_t held, size_t more) {
+    if (size_t(limit - cursor) < held + more + 8) MoveText(held, more);
+    return cursor;
+  }
+
   // Empties the arena, keeping its chunks for the next tree.
   void Reset();
   // Gives every chunk back.
@@ -46,5 +54,6 @@ struct OrvDocArena {
 
  private:
   void AddChunk(size_t atLeast);
+  void MoveText(size_t held, size_t more);
   OrvDocChunk* TakeSpare(size_t atLeast);
 };

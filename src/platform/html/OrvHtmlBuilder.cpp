@@ -33,10 +33,7 @@ class TreeBuilder {
       : arena(arena), keepBytes(keepBytes), tags(OrvHtmlTagNumber), attrs(OrvHtmlAttrNumber) {}
   TreeBuilder(const TreeBuilder&) = delete;
   TreeBuilder& operator=(const TreeBuilder&) = delete;
-  ~TreeBuilder() {
-    OrvFreeBytes(run);
-    OrvFreeBytes(lastChild);
-  }
+  ~TreeBuilder() { OrvFreeBytes(lastChild); }
 
   htmlParserCtxtPtr ctxt = nullptr;
   var_item* first = nullptr;
@@ -65,15 +62,11 @@ class TreeBuilder {
     current = current->parent;
   }
 
+  // The run is written where its item's text will lie: at the arena's
+  // cursor, which nothing else moves until FlushText.
   void Characters(const char* chars, int count) {
     if (count <= 0) return;
-    size_t need = runLength + size_t(count);
-    if (need > runCapacity) {
-      size_t grown = runCapacity ? runCapacity * 2 : 4096;
-      while (grown < need) grown *= 2;
-      run = static_cast<char*>(OrvReallocBytes(run, grown));
-      runCapacity = grown;
-    }
+    char* run = arena.TextRoom(runLength, size_t(count));
     if (keepBytes) {
       runLength += OrvUtf8ToPageBytes(run + runLength,
                                       reinterpret_cast<const unsigned char*>(chars), size_t(count));
@@ -95,12 +88,12 @@ class TreeBuilder {
     size_t length = runLength;
     runLength = 0;
     if (length > size_t(INT32_MAX)) return;
+    char* text = arena.TextRoom(length, 0);
     size_t i = 0;
-    while (i < length && IsAsciiSpace(run[i])) i++;
+    while (i < length && IsAsciiSpace(text[i])) i++;
     if (i == length) return;
-    char* text = static_cast<char*>(arena.Alloc(length + 1));
-    std::memcpy(text, run, length);
     text[length] = '\0';
+    arena.Alloc(length + 1);
     var_item* item = NewItem();
     item->name = kTextName;
     item->name_len = 5;
@@ -177,9 +170,7 @@ class TreeBuilder {
   var_item** lastChild = nullptr;  // last child of each open element, outermost first
   size_t depth = 0;
   size_t lastChildCapacity = 0;
-  char* run = nullptr;  // the text run being gathered
-  size_t runLength = 0;
-  size_t runCapacity = 0;
+  size_t runLength = 0;  // bytes of the text run gathered at the arena's cursor
   uint64_t strayEndTagCost = 0;
 };
 

@@ -30,7 +30,7 @@ class OrvNameCache {
     if (!slots) Grow();
     uint32_t i = Slot(key);
     while (slots[i].key) {
-      if (slots[i].key == key && std::strcmp(slots[i].copy, key) == 0) return slots[i];
+      if (slots[i].key == key && SameText(slots[i], key)) return slots[i];
       i = (i + 1) & mask;
     }
     if ((used + 1) * 2 > mask + 1) {
@@ -47,6 +47,14 @@ class OrvNameCache {
   }
 
  private:
+  // Names are short: a loop over the known length beats a call to strcmp.
+  static bool SameText(const OrvCachedName& cached, const char* key) {
+    for (int32_t k = 0; k <= cached.length; k++) {
+      if (cached.copy[k] != key[k]) return false;
+    }
+    return true;
+  }
+
   uint32_t Slot(const char* key) const {
     uint64_t h = static_cast<uint64_t>(reinterpret_cast<uintptr_t>(key)) * 0x9E3779B97F4A7C15ull;
     return static_cast<uint32_t>(h >> 32) & mask;
