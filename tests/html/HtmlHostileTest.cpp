@@ -87,3 +87,15 @@ TEST(OrvHtmlHostile, MillionDeepPage) {
   EXPECT_TRUE(counts.linked);
   EXPECT_EQ(counts.texts, 1);
 }
+
+// End tags in a script that close nothing spend the same budget as stray end
+// tags outside one: deep enough, the page ends inside the script.
+TEST(OrvHtmlHostile, EndTagsInScriptsSpendTheBudget) {
+  std::string script = "<script>x" + Repeat("</x>", 3000) + "</script>after";
+  for (ORV_CHARSET charset : {ORV_CHARSET_BYTES, ORV_CHARSET_UTF8}) {
+    EXPECT_EQ(OpenAndCount(Repeat("<div>", 10) + script, charset).textBytes, 12006) << charset;
+    Counts deep = OpenAndCount(Repeat("<div>", 100000) + script, charset);
+    EXPECT_EQ(deep.texts, 1) << charset;
+    EXPECT_EQ(deep.textBytes, 10000) << charset;
+  }
+}

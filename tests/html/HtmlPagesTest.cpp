@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "html/HtmlTestSupport.h"
+#include "platform/html/OrvDocArena.h"
+#include "platform/html/OrvHtmlBuilder.h"
 #include "support/Cases.h"
 
 namespace {
@@ -68,4 +70,27 @@ TEST(OrvHtmlPages, RealPagesOpenAlikeAndSound) {
   std::string links = ReadFile(ORV_DATA_DIR "/links.txt");
   int64_t lines = std::count(links.begin(), links.end(), '\n');
   EXPECT_NEAR(double(targets), double(lines), lines * 0.02);
+}
+
+// Script and style bodies cut out before parsing and handed to the tree give
+// the tree the parser gives when it reads them itself, and on real pages the
+// parser meets every cut body where it was cut, so it runs once.
+TEST(OrvHtmlPages, CutBodiesGiveTheParsersTreeInOneParse) {
+  std::vector<std::pair<std::string, int>> pages = {{"<script>x</script>", 1},
+                                                    {"</b<script>x</script>", 2}};
+  for (const auto& path : RealPagePaths()) pages.push_back({ReadFile(path), 1});
+  for (const auto& [page, runs] : pages) {
+    for (ORV_CHARSET charset : {ORV_CHARSET_BYTES, ORV_CHARSET_UTF8}) {
+      OrvDocArena cutArena, wholeArena;
+      var_item* cut = nullptr;
+      var_item* whole = nullptr;
+      int parses = 0;
+      const char* text = page.data();
+      long length = long(page.size());
+      ASSERT_EQ(OrvBuildHtmlTree(text, length, charset, nullptr, cutArena, cut, true, &parses), 0);
+      ASSERT_EQ(OrvBuildHtmlTree(text, length, charset, nullptr, wholeArena, whole, false), 0);
+      EXPECT_EQ(Dump(cut), Dump(whole)) << page.substr(0, 60) << " charset " << charset;
+      EXPECT_EQ(parses, runs) << page.substr(0, 60) << " charset " << charset;
+    }
+  }
 }

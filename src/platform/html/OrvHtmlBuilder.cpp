@@ -15,6 +15,7 @@
 #include "platform/html/OrvPageCharset.h"
 #include "platform/html/OrvPageTaming.h"
 #include "platform/html/OrvQuietParser.h"
+#include "platform/html/OrvRawBodies.h"
 
 namespace {
 
@@ -29,14 +30,20 @@ constexpr uint64_t kStrayEndTagBudget = uint64_t(1) << 28;
 
 class TreeBuilder {
  public:
-  TreeBuilder(OrvDocArena& arena, bool keepBytes)
-      : arena(arena), keepBytes(keepBytes), tags(OrvHtmlTagNumber), attrs(OrvHtmlAttrNumber) {}
+  TreeBuilder(OrvDocArena& arena, bool keepBytes, const char* uncut, OrvRawBodies* bodies)
+      : arena(arena),
+        keepBytes(keepBytes),
+        tags(OrvHtmlTagNumber),
+        attrs(OrvHtmlAttrNumber),
+        uncut(uncut),
+        bodies(bodies) {}
   TreeBuilder(const TreeBuilder&) = delete;
   TreeBuilder& operator=(const TreeBuilder&) = delete;
   ~TreeBuilder() { OrvFreeBytes(lastChild); }
 
   htmlParserCtxtPtr ctxt = nullptr;
   var_item* first = nullptr;
+  bool lost = false;  // a cut body was not met where it was cut: parse again
 
   void StartElement(const char* name, const char** atts) {
     FlushText();
@@ -53,6 +60,30 @@ class TreeBuilder {
     }
     Append(item);
     PushLevel(item);
+    if (bodies && (cached.number == kScript || cached.number == kStyle))
+      TakeRawBody(cached.number == kStyle);
+  }
+
+  // The parser has just read a script or style start tag up to its '>'.
+  void TakeRawBody(bool style) {
+    if (lost || bodies->next == bodies->count) return;
+    const xmlParserInput* in = ctxt->input;
+    size_t at = size_t(in->consumed) + size_t(in->cur - in->base);
+    const OrvRawBody& body = bodies->list[bodies->next];
+    if (at < body.tagEnd) return;  // not cut: the parser reads it
+    if (at > body.tagEnd || *in->cur != '>' || body.style != style) return Lose();
+    bodies->next++;
+    uint64_t strayEndTags = 0;
+    bool read = OrvReadRawBody(
+        uncut + body.from, body.to - body.from,
+        [](const char* run, size_t length, void* user) {
+          static_cast<TreeBuilder*>(user)->Characters(run, static_cast<int>(length));
+        },
+        this, strayEndTags);
+    // Each end tag inside that does not close the element is a mismatch the
+    // parser would have reported; the budget must count them alike.
+    strayEndTagCost += strayEndTags * (uint64_t(ctxt->nameNr > 0 ? ctxt->nameNr : 0) + 1);
+    if (!read || strayEndTagCost > kStrayEndTagBudget) Lose();
   }
 
   void EndElement() {
@@ -103,6 +134,11 @@ class TreeBuilder {
   }
 
  private:
+  void Lose() {
+    lost = true;
+    xmlStopParser(ctxt);
+  }
+
   static bool IsAsciiSpace(char c) {
     return c == ' ' || c == '\n' || c == '\t' || c == '\r' || c == '\f';
   }
@@ -172,6 +208,10 @@ class TreeBuilder {
   size_t lastChildCapacity = 0;
   size_t runLength = 0;  // bytes of the text run gathered at the arena's cursor
   uint64_t strayEndTagCost = 0;
+  const char* uncut;     // the page the cut bodies lie in
+  OrvRawBodies* bodies;  // null when nothing was cut
+  const uint16_t kScript = OrvHtmlTagNumber("script");
+  const uint16_t kStyle = OrvHtmlTagNumber("style");
 };
 
 TreeBuilder* Of(void* user) { return static_cast<TreeBuilder*>(user); }
@@ -244,11 +284,42 @@ void UseDecided(htmlParserCtxtPtr ctxt, const OrvPageCharset& decided) {
   }
 }
 
+constexpr int kLost = -1;
+
+// 0, 1 when the parser could not start, or kLost when a cut body was not met
+// where it was cut (the arena then holds a tree to throw away).
+int ParsePage(const char* page, size_t size, const OrvPageCharset& decided, bool keepBytes,
+              const char* uncut, OrvRawBodies* bodies, OrvDocArena& arena, var_item*& root) {
+  root = nullptr;
+  htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(page, int(size));
+  if (!ctxt) return 1;
+  TreeBuilder builder(arena, keepBytes, uncut, bodies);
+  builder.ctxt = ctxt;
+  htmlCtxtUseOptions(
+      ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET);
+  ctxt->options |= XML_PARSE_HUGE;
+  *ctxt->sax = MakeHandler();
+  ctxt->userData = &builder;
+  // Setting the context's encoding also keeps byte-order marks from being
+  // looked for in pages read as bytes.
+  UseDecided(ctxt, decided);
+  htmlParseDocument(ctxt);
+  builder.FlushText();
+  ctxt->userData = ctxt;
+  htmlFreeParserCtxt(ctxt);
+  if (builder.lost || (bodies && bodies->next != bodies->count)) return kLost;
+  root = builder.first;
+  return 0;
+}
+
 }  // namespace
 
 int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
-                     OrvDocArena& arena, var_item*& root) {
+                     OrvDocArena& arena, var_item*& root, bool cutRawBodies, int* parses) {
   root = nullptr;
+  int parsed = 0;
+  if (!parses) parses = &parsed;
+  *parses = 0;
   if (!text) length = 0;
   if (length < 0) length = long(std::strlen(text));
   if (length > long(INT_MAX)) return 1;
@@ -283,6 +354,7 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
   // different text; browsers put one U+FFFD in its place and read on.
   bool illFormed = charset != ORV_CHARSET_BYTES && decided.kind == OrvPageCharsetKind::kUtf8 &&
                    !OrvIsValidUtf8(bytes, size);
+  bool converted = false;
   if ((windows1252 || latin1 || illFormed) && size <= size_t(INT_MAX) / 3) {
     char* utf8 = static_cast<char*>(OrvAllocBytes(3 * size));
     if (windows1252)
@@ -294,32 +366,32 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
     OrvFreeBytes(cleaned);
     page = cleaned = utf8;
     decided.kind = OrvPageCharsetKind::kUtf8;
+    converted = true;
   }
   if (size == 0) {
     OrvFreeBytes(cleaned);
     return 0;
   }
   OrvQuietParser quiet;
-  htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(page, int(size));
-  if (!ctxt) {
-    OrvFreeBytes(cleaned);
-    return 1;
+  bool keepBytes = charset == ORV_CHARSET_BYTES;
+  int result = 0;
+  // Bodies are read here only where the parser reads the page as it lies.
+  OrvRawBodies bodies;
+  size_t cutSize = 0;
+  char* cut =
+      cutRawBodies && decided.kind == OrvPageCharsetKind::kUtf8 && !(illFormed && !converted)
+          ? OrvCutRawBodies(page, size, bodies, cutSize)
+          : nullptr;
+  if (cut) {
+    result = ParsePage(cut, cutSize, decided, keepBytes, page, &bodies, arena, root);
+    ++*parses;
+    if (result == kLost) arena.Reset();
+    OrvFreeBytes(cut);
   }
-  TreeBuilder builder(arena, charset == ORV_CHARSET_BYTES);
-  builder.ctxt = ctxt;
-  htmlCtxtUseOptions(
-      ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET);
-  ctxt->options |= XML_PARSE_HUGE;
-  *ctxt->sax = MakeHandler();
-  ctxt->userData = &builder;
-  // Setting the context's encoding also keeps byte-order marks from being
-  // looked for in pages read as bytes.
-  UseDecided(ctxt, decided);
-  htmlParseDocument(ctxt);
-  builder.FlushText();
-  root = builder.first;
-  ctxt->userData = ctxt;
-  htmlFreeParserCtxt(ctxt);
+  if (!cut || result == kLost) {
+    result = ParsePage(page, size, decided, keepBytes, nullptr, nullptr, arena, root);
+    ++*parses;
+  }
   OrvFreeBytes(cleaned);
-  return 0;
+  return result;
 }

@@ -1,0 +1,97 @@
+#include "platform/html/OrvRawBodies.h"
+
+#include <cstring>
+
+#include "core/OrvMemory.h"
+#include "platform/html/OrvPageTaming.h"
+#include "platform/html/OrvTagWalk.h"
+
+namespace {
+
+constexpr uint64_t kOnes = 0x0101010101010101ull;
+constexpr uint64_t kHighs = 0x8080808080808080ull;
+
+// Eight printable ASCII bytes, none of them '<': nothing to drop or count.
+bool IsPlainWord(const unsigned char* p) {
+  uint64_t w;
+  std::memcpy(&w, p, 8);
+  if (w & kHighs) return false;
+  uint64_t control = (w - kOnes * 0x20) & ~w & kHighs;
+  uint64_t lt = w ^ (kOnes * '<');
+  uint64_t angle = (lt - kOnes) & ~lt & kHighs;
+  return (control | angle) == 0;
+}
+
+void Add(OrvRawBodies& bodies, const OrvRawBody& body) {
+  if (bodies.count == bodies.capacity) {
+    size_t grown = bodies.capacity ? bodies.capacity * 2 : 64;
+    bodies.list =
+        static_cast<OrvRawBody*>(OrvReallocBytes(bodies.list, grown * sizeof(OrvRawBody)));
+    bodies.capacity = grown;
+  }
+  bodies.list[bodies.count++] = body;
+}
+
+}  // namespace
+
+OrvRawBodies::~OrvRawBodies() { OrvFreeBytes(list); }
+
+char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_t& cutSize) {
+  size_t cut = 0;
+  OrvWalkTags(page, size, OrvMaxAttributes, [&](const OrvTag& tag) {
+    // Left to the parser: a tag or body the page ends in, a tag that may
+    // close itself, an empty body, and one that starts like markup, which
+    // the parser looks at before it reads a body.
+    if (!tag.raw || tag.bodyEnd >= size || page[tag.end - 1] == '/') return;
+    size_t from = tag.end + 1;
+    if (from >= tag.bodyEnd || page[from] == '<') return;
+    Add(bodies, OrvRawBody{tag.end - cut, from, tag.bodyEnd, tag.nameLength == 5});
+    cut += tag.bodyEnd - from;
+  });
+  if (bodies.count == 0) return nullptr;
+  cutSize = size - cut;
+  char* out = static_cast<char*>(OrvAllocBytes(cutSize));
+  size_t o = 0;
+  size_t i = 0;
+  for (size_t k = 0; k < bodies.count; k++) {
+    std::memcpy(out + o, page + i, bodies.list[k].from - i);
+    o += bodies.list[k].from - i;
+    i = bodies.list[k].to;
+  }
+  std::memcpy(out + o, page + i, size - i);
+  return out;
+}
+
+bool OrvReadRawBody(const char* body, size_t n, OrvRawRunSink add, void* user,
+                    uint64_t& strayEndTags) {
+  const auto* p = reinterpret_cast<const unsigned char*>(body);
+  strayEndTags = 0;
+  size_t run = 0;
+  size_t i = 0;
+  while (i < n) {
+    if (n - i >= 8 && IsPlainWord(p + i)) {
+      i += 8;
+      continue;
+    }
+    unsigned char c = p[i];
+    size_t drop = 0;
+    if (c == '<') {
+      if (i + 1 < n && p[i + 1] == '/') strayEndTags++;
+    } else if (c == 0xEF) {
+      if (i + 2 < n && p[i + 1] == 0xBF && (p[i + 2] == 0xBE || p[i + 2] == 0xBF)) drop = 3;
+    } else if (c == 0) {
+      return false;
+    } else if (c < 0x20 && c != '\t' && c != '\n' && c != '\r') {
+      drop = 1;
+    }
+    if (drop) {
+      if (i > run) add(body + run, i - run, user);
+      i += drop;
+      run = i;
+    } else {
+      i++;
+    }
+  }
+  if (n > run) add(body + run, n - run, user);
+  return true;
+}
