@@ -312,6 +312,24 @@ int ParsePage(const char* page, size_t size, const OrvPageCharset& decided, bool
   return 0;
 }
 
+// Parses the page with its script and style bodies cut out when mayCut, and
+// again whole when a cut body was not met where it was cut.
+int ParseCutOrWhole(const char* page, size_t size, const OrvPageCharset& decided, bool keepBytes,
+                    bool mayCut, OrvDocArena& arena, var_item*& root, int& parses) {
+  OrvRawBodies bodies;
+  size_t cutSize = 0;
+  char* cut = mayCut ? OrvCutRawBodies(page, size, bodies, cutSize) : nullptr;
+  if (cut) {
+    int result = ParsePage(cut, cutSize, decided, keepBytes, page, &bodies, arena, root);
+    parses++;
+    OrvFreeBytes(cut);
+    if (result != kLost) return result;
+    arena.Reset();
+  }
+  parses++;
+  return ParsePage(page, size, decided, keepBytes, nullptr, nullptr, arena, root);
+}
+
 }  // namespace
 
 int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
@@ -373,25 +391,12 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
     return 0;
   }
   OrvQuietParser quiet;
-  bool keepBytes = charset == ORV_CHARSET_BYTES;
-  int result = 0;
-  // Bodies are read here only where the parser reads the page as it lies.
-  OrvRawBodies bodies;
-  size_t cutSize = 0;
-  char* cut =
-      cutRawBodies && decided.kind == OrvPageCharsetKind::kUtf8 && !(illFormed && !converted)
-          ? OrvCutRawBodies(page, size, bodies, cutSize)
-          : nullptr;
-  if (cut) {
-    result = ParsePage(cut, cutSize, decided, keepBytes, page, &bodies, arena, root);
-    ++*parses;
-    if (result == kLost) arena.Reset();
-    OrvFreeBytes(cut);
-  }
-  if (!cut || result == kLost) {
-    result = ParsePage(page, size, decided, keepBytes, nullptr, nullptr, arena, root);
-    ++*parses;
-  }
+  // Bodies can be read here only where the parser has no decoder of its own
+  // and the page is well-formed UTF-8.
+  bool mayCut =
+      cutRawBodies && decided.kind == OrvPageCharsetKind::kUtf8 && !(illFormed && !converted);
+  int result = ParseCutOrWhole(page, size, decided, charset == ORV_CHARSET_BYTES, mayCut, arena,
+                               root, *parses);
   OrvFreeBytes(cleaned);
   return result;
 }
