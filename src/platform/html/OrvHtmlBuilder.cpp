@@ -66,7 +66,7 @@ class TreeBuilder {
 
   // The parser has just read a script or style start tag up to its '>'.
   void TakeRawBody(bool style) {
-    if (lost || bodies->next == bodies->count) return;
+    if (lost || bodies->next == bodies->list.size()) return;
     const xmlParserInput* in = ctxt->input;
     size_t at = size_t(in->consumed) + size_t(in->cur - in->base);
     const OrvRawBody& body = bodies->list[bodies->next];
@@ -307,7 +307,7 @@ int ParsePage(const char* page, size_t size, const OrvPageCharset& decided, bool
   builder.FlushText();
   ctxt->userData = ctxt;
   htmlFreeParserCtxt(ctxt);
-  if (builder.lost || (bodies && bodies->next != bodies->count)) return kLost;
+  if (builder.lost || (bodies && bodies->next != bodies->list.size())) return kLost;
   root = builder.first;
   return 0;
 }

@@ -22,19 +22,7 @@ bool IsPlainWord(const unsigned char* p) {
   return (control | angle) == 0;
 }
 
-void Add(OrvRawBodies& bodies, const OrvRawBody& body) {
-  if (bodies.count == bodies.capacity) {
-    size_t grown = bodies.capacity ? bodies.capacity * 2 : 64;
-    bodies.list =
-        static_cast<OrvRawBody*>(OrvReallocBytes(bodies.list, grown * sizeof(OrvRawBody)));
-    bodies.capacity = grown;
-  }
-  bodies.list[bodies.count++] = body;
-}
-
 }  // namespace
-
-OrvRawBodies::~OrvRawBodies() { OrvFreeBytes(list); }
 
 char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_t& cutSize) {
   size_t cut = 0;
@@ -45,18 +33,18 @@ char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_
     if (!tag.raw || tag.bodyEnd >= size || page[tag.end - 1] == '/') return;
     size_t from = tag.end + 1;
     if (from >= tag.bodyEnd || page[from] == '<') return;
-    Add(bodies, OrvRawBody{tag.end - cut, from, tag.bodyEnd, tag.nameLength == 5});
+    bodies.list.push_back(OrvRawBody{tag.end - cut, from, tag.bodyEnd, tag.nameLength == 5});
     cut += tag.bodyEnd - from;
   });
-  if (bodies.count == 0) return nullptr;
+  if (bodies.list.empty()) return nullptr;
   cutSize = size - cut;
   char* out = static_cast<char*>(OrvAllocBytes(cutSize));
   size_t o = 0;
   size_t i = 0;
-  for (size_t k = 0; k < bodies.count; k++) {
-    std::memcpy(out + o, page + i, bodies.list[k].from - i);
-    o += bodies.list[k].from - i;
-    i = bodies.list[k].to;
+  for (const OrvRawBody& body : bodies.list) {
+    std::memcpy(out + o, page + i, body.from - i);
+    o += body.from - i;
+    i = body.to;
   }
   std::memcpy(out + o, page + i, size - i);
   return out;

@@ -2,6 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
+
+#include "core/OrvMemory.h"
 
 // The parser reads the body of a script or style element a character at a
 // time, and such bodies are close to half the bytes of a common page. So they
@@ -18,15 +21,8 @@ struct OrvRawBody {
 };
 
 struct OrvRawBodies {
-  OrvRawBody* list = nullptr;
-  size_t count = 0;
-  size_t capacity = 0;
+  std::vector<OrvRawBody, OrvAllocator<OrvRawBody>> list;
   size_t next = 0;  // the first body not yet handed over
-
-  OrvRawBodies() = default;
-  OrvRawBodies(const OrvRawBodies&) = delete;
-  OrvRawBodies& operator=(const OrvRawBodies&) = delete;
-  ~OrvRawBodies();
 };
 
 // The page (well-formed UTF-8) without the bodies worth cutting, which are
