@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
+
+#include "platform/html/OrvPageCharset.h"
 
 // The parser reads a page as Latin-1 and hands back UTF-8; this undoes that,
 // so every byte of the page comes back as itself. Characters above U+00FF
@@ -12,9 +13,8 @@ inline size_t OrvUtf8ToPageBytes(char* out, const unsigned char* in, size_t n) {
   size_t o = 0;
   size_t i = 0;
   while (i < n) {
-    uint64_t word;
-    if (n - i >= 8 && (std::memcpy(&word, in + i, 8), (word & 0x8080808080808080ull) == 0)) {
-      std::memcpy(out + o, &word, 8);  // read before written: safe in place
+    if (OrvIsAsciiWord(in + i, n - i)) {
+      std::memmove(out + o, in + i, 8);  // out may be in
       o += 8;
       i += 8;
       continue;

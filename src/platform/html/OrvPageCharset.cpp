@@ -13,13 +13,6 @@ using Kind = OrvPageCharsetKind;
 // a page is taken to have none.
 constexpr size_t kMetaWindow = 64 * 1024;
 
-// Pages are mostly ASCII: they are read eight bytes at a time while no high
-// bit is set.
-bool IsAsciiWord(const unsigned char* p, size_t left) {
-  uint64_t word;
-  return left >= 8 && (std::memcpy(&word, p, 8), (word & 0x8080808080808080ull) == 0);
-}
-
 bool IsSpace(unsigned char c) {
   return c == 0x09 || c == 0x0A || c == 0x0C || c == 0x0D || c == 0x20;
 }
@@ -260,7 +253,7 @@ size_t Utf8Sequence(const unsigned char* p, size_t n, size_t& bad) {
 bool OrvIsValidUtf8(const unsigned char* p, size_t n) {
   size_t i = 0;
   while (i < n) {
-    if (IsAsciiWord(p + i, n - i)) {
+    if (OrvIsAsciiWord(p + i, n - i)) {
       i += 8;
       continue;
     }
@@ -293,7 +286,7 @@ size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t n) {
 
 bool OrvIsAscii(const unsigned char* p, size_t n) {
   size_t i = 0;
-  while (IsAsciiWord(p + i, n - i)) i += 8;
+  while (OrvIsAsciiWord(p + i, n - i)) i += 8;
   for (; i < n; i++) {
     if (p[i] >= 0x80) return false;
   }
@@ -304,7 +297,7 @@ size_t OrvLatin1ToUtf8(char* out, const unsigned char* in, size_t n) {
   size_t o = 0;
   size_t i = 0;
   while (i < n) {
-    if (IsAsciiWord(in + i, n - i)) {
+    if (OrvIsAsciiWord(in + i, n - i)) {
       std::memcpy(out + o, in + i, 8);
       o += 8;
       i += 8;
