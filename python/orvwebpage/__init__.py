@@ -6,6 +6,7 @@ library bytes that are not UTF-8 come out of it with U+FFFD; bytes stay bytes.
 """
 
 from ._orvwebpage import (
+    Block as Block,
     EstimateListing as EstimateListing,
     EstimateProbe as EstimateProbe,
     EstimateResult as EstimateResult,
@@ -18,10 +19,12 @@ from ._orvwebpage import (
     __version__ as __version__,
     classify_links as classify_links,
     estimate as estimate,
+    visible_blocks as visible_blocks,
     visible_nodes as visible_nodes,
 )
 
 __all__ = [
+    "Block",
     "EstimateListing",
     "EstimateProbe",
     "EstimateResult",
@@ -33,6 +36,7 @@ __all__ = [
     "UrlSearch",
     "classify_links",
     "estimate",
+    "visible_blocks",
     "visible_nodes",
 ]
 
