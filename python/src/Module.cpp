@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "Bindings.h"
+#include "orvwebpage/OrvVersion.h"
 
 namespace orvpy {
 
