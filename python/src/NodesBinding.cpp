@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Bindings.h"
+#include "PyPage.h"
 #include "PyText.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
@@ -26,31 +27,15 @@ struct TextClass {
 std::pair<std::vector<py::list>, std::vector<py::object>> ReadClasses(const py::object& page,
                                                                       const std::string& charset,
                                                                       bool& keepBytes) {
-  keepBytes = charset == "bytes";
-  if (!keepBytes && charset != "utf-8")
-    throw py::value_error("charset must be \"utf-8\" or \"bytes\", not \"" + charset + "\"");
-  TextView view = ViewTextOrThrow(page, "page");
-  // The parser works on a copy it may change. A str is decoded already, so
-  // for texts as str it goes in as ASCII with character references, which
-  // read the same whatever charset the page declares.
-  std::string text;
-  if (!view.isBytes && !keepBytes) {
-    py::object ascii = py::reinterpret_steal<py::object>(
-        PyUnicode_AsEncodedString(page.ptr(), "ascii", "xmlcharrefreplace"));
-    if (!ascii) throw py::error_already_set();
-    text.assign(PyBytes_AS_STRING(ascii.ptr()), size_t(PyBytes_GET_SIZE(ascii.ptr())));
-    if (text.starts_with("&#65279;")) text.erase(0, 8);  // a byte-order mark left in
-  } else {
-    text.assign(view.data, size_t(view.size));
-  }
-  ORV_CHARSET parse = keepBytes ? ORV_CHARSET_BYTES : ORV_CHARSET_UTF8;
-
+  PageForParse parse = PreparePage(page, charset);
+  keepBytes = parse.keepBytes;
+  std::string& text = parse.text;
   OrvHtml doc;
   OrvVisibleBlocks blocks;
   std::vector<TextClass> classes;
   {
     py::gil_scoped_release released;
-    if (doc.Open(text.data(), long(text.size()), parse) == 0) {
+    if (doc.Open(text.data(), long(text.size()), parse.charset) == 0) {
       blocks.Read(doc.root);
       OrvString path;
       for (int c = 0; c < blocks.GetClassCount(); c++) {
