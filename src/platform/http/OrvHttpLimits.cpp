@@ -3,13 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "orvwebpage/OrvVersion.h"
 #include "platform/http/OrvHttpGate.h"
 #include "platform/http/OrvHttpRunState.h"
 #include "platform/http/OrvRobotsGate.h"
-
-#ifndef ORV_VERSION
-#define ORV_VERSION "0.1.0"
-#endif
 
 namespace {
 
