@@ -6,6 +6,7 @@
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvPageLinks.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvSys.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
