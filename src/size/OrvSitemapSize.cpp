@@ -177,7 +177,7 @@ void OrvSitemapState::ReadFile(int32_t index) {
 }
 
 // The children of an index, all of them or a sample spread evenly through
-// it when they are more than the limits allow.
+// it, from the first to the last, when they are more than the limits allow.
 void OrvSitemapState::PlanChildren(int32_t index, int32_t next) {
   OrvSitemapFile& file = files[size_t(index)];
   OrvStrArray valid;
@@ -224,7 +224,9 @@ void OrvSitemapState::PlanChildren(int32_t index, int32_t next) {
   }
   int32_t sampled = k < m;
   for (int64_t i = 0; i < k; i++) {
-    int64_t at = (2 * i + 1) * m / (2 * k);
+    // The first and the last are in: they are the ones that differ most
+    // often (an index of fixed-size parts ends with a partial one).
+    int64_t at = k == 1 ? 0 : i * (m - 1) / (k - 1);
     int32_t parent = index;
     Plan(valid[at], valid.GetStringLen(at), parent, sampled);
   }

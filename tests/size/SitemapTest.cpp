@@ -13,6 +13,7 @@
 #include "size/OrvSitemapTotals.h"
 #include "support/Cases.h"
 #include "support/LocalServers.h"
+#include "support/SampleSite.h"
 
 namespace {
 
@@ -216,6 +217,33 @@ TEST(SitemapSize, ServedSites) {
     if (expected[6].empty()) {
       EXPECT_EQ(problems.find_first_not_of('|'), std::string::npos) << name << ": " << problems;
     }
+  }
+}
+
+}  // namespace
+
+namespace {
+
+TEST(SitemapSize, SampleSiteProfiles) {
+  for (const auto& row : Rows("profiles.tsv", 7)) {
+    SampleSite site({"--profile", row[0]});
+    ASSERT_TRUE(site.Ok()) << site.Error();
+    OrvHttpLimits::ResetCounters();
+    OrvSitemapSize sitemaps;
+    OrvStrArray hints;
+    sitemaps.Read(site.Url("/").c_str(), -1, hints, std::stoi(row[1]));
+    EXPECT_EQ(sitemaps.Pages(), std::stoll(row[2])) << row[0];
+    EXPECT_EQ(sitemaps.Low(), std::stoll(row[3])) << row[0];
+    EXPECT_EQ(sitemaps.High(), std::stoll(row[4])) << row[0];
+    EXPECT_EQ(sitemaps.Fetches(), std::stoi(row[5])) << row[0];
+    EXPECT_EQ(int64_t(site.LogLines().size()), sitemaps.Requests()) << row[0];
+    bool holds = sitemaps.Low() <= site.TruePages() && site.TruePages() <= sitemaps.High();
+    EXPECT_EQ(holds, row[6] == "1") << row[0] << " true " << site.TruePages();
+    // The sample for a check is made of listed on-site URLs.
+    const OrvStrArray& sample = sitemaps.SampleUrls();
+    EXPECT_EQ(sample.count, std::min<int64_t>(64, sitemaps.Pages())) << row[0];
+    for (int32_t i = 0; i < sample.count; i++)
+      EXPECT_EQ(std::string(sample[i]).rfind(site.Url("/"), 0), 0u) << sample[i];
   }
 }
 
