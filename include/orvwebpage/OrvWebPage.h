@@ -7,6 +7,7 @@
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvPageLinks.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvSys.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
