@@ -90,8 +90,8 @@ done
 
 # --- a real web application: its true count is what a full crawl reads --------
 if [ "$real_site" = 1 ]; then
-  real_url=$(bench/real-site.sh)
-  access=/var/tmp/orvwebpage-real-site/access.log
+  real_url=$(bench/real-site.sh start wp-plain | awk '{ print $2 }')
+  access=/var/tmp/orvwebpage-real-site/logs/wp-plain.log
   r=$("$tool" estimate --json --deadline "$limit" "$real_url") || r='{"estimate":0,"requests":0}'
   : >"$access"
   timeout "$limit" wget --spider -r -l inf -e robots=off --no-verbose --no-directories \

@@ -24,7 +24,7 @@ sites=(
   "hugo-blog 8091 hugo blog, /page/N/ numbered pagers, summaries, categories and tags, sitemap.xml"
   "hugo-notes 8092 hugo notes in sections, /p/N/ pagers with arrows and 'Page 3 / 68', whole notes on the home page, no sitemap"
   "jekyll 8093 jekyll blog, /pageN/ pagers that only say older and newer, whole posts, no sitemap"
-  "pelican 8094 pelican blog, index2.html pagers, categories, tags, authors, no sitemap"
+  "pelican 8094 pelican blog, index2.html pagers with arrows and 'Page 1 / 38', categories, tags, authors, no sitemap"
   "mkdocs 8095 mkdocs documentation tree, directory URLs, full navigation on every page, sitemap.xml"
   "dokuwiki 8096 dokuwiki wiki tree of namespaces, doku.php?id= links, no pagers, no sitemap"
   "python-doc 8097 static python3.11-doc, Sphinx documentation, relative links, no sitemap"
