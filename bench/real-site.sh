@@ -19,8 +19,8 @@ repo=$PWD
 
 # name port kind what-it-shows
 sites=(
-  "wp-plain 8089 wordpress blog, /?p=N posts, /?paged=N pagers, full posts on the home page, categories, wp-sitemap"
-  "wp-pretty 8090 wordpress blog, /YYYY/MM/slug/ posts, /page/N/ pagers, summary home page, categories and tags, wp-sitemap"
+  "wp-plain 8089 wordpress blog, /?p=N posts, /?paged=N pagers, full posts on the home page, categories, sitemap only at /?sitemap=index, no robots.txt"
+  "wp-pretty 8090 wordpress blog, /YYYY/MM/slug/ posts, /page/N/ pagers, summary home page, categories and tags, /wp-sitemap.xml named in robots.txt"
   "hugo-blog 8091 hugo blog, /page/N/ numbered pagers, summaries, categories and tags, sitemap.xml"
   "hugo-notes 8092 hugo notes in sections, /p/N/ pagers with arrows and 'Page 3 / 68', whole notes on the home page, no sitemap"
   "jekyll 8093 jekyll blog, /pageN/ pagers that only say older and newer, whole posts, no sitemap"
@@ -131,12 +131,16 @@ PHP
     rm "$state/config-$cfg.php.new"
   fi
   WORDPRESS_CONFIG=$cfg HTTP_HOST="127.0.0.1:$port" php bench/real-site-fill.php "${@:3}"
+  # Pretty permalinks need every path sent to WordPress, as its .htaccess would;
+  # plain ones have no such rule, so /robots.txt and /wp-sitemap.xml are 404 there.
+  local fallback=""
+  [ -n "$6" ] && fallback="FallbackResource /index.php"
   vhosts+="<VirtualHost 127.0.0.1:$port>
   DocumentRoot /usr/share/wordpress
   DirectoryIndex index.php
   SetEnv WORDPRESS_CONFIG $cfg
   Alias /wp-content /var/lib/wordpress/wp-content
-  FallbackResource /index.php
+  $fallback
   CustomLog $state/logs/$name.log plain
 </VirtualHost>
 "

@@ -39,7 +39,7 @@ if [ ! -x "$tool" ]; then
   cmake --build "$build" --target orvwebpage_cli >/dev/null
 fi
 has_size=0
-"$tool" size --help >/dev/null 2>&1 && has_size=1
+"$tool" --help 2>/dev/null | grep -q "^  size  " && has_size=1
 
 limits=(--deadline 600)
 [ -n "$max_requests" ] && limits+=(--max-requests "$max_requests")
@@ -103,10 +103,10 @@ for line in open(work + "/rows"):
            "est_req": number(e, "requests"), "est_logged": int(est_logged),
            "est_error": e.get("error"), "has_size": s is not None}
     if s is not None:
-        rng = s.get("range") if isinstance(s.get("range"), list) else [None, None]
+        rng = s.get("range") if isinstance(s.get("range"), list) and len(s["range"]) == 2 else [None, None]
         low, high = number(s, "low"), number(s, "high")
         row.update(size=number(s, "size", "pages"), low=rng[0] if low is None else low,
-                   high=rng[-1] if high is None else high, source=s.get("source", "?"),
+                   high=rng[-1] if high is None else high, source=s.get("source") or "-",
                    size_req=number(s, "requests"), size_logged=int(size_logged),
                    size_error=s.get("error"), partial=s.get("reason") if s.get("partial") else None)
     rows.append(row)
