@@ -5,6 +5,7 @@
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvPageLinks.h"
 #include "orvwebpage/OrvString.h"
