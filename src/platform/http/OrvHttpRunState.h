@@ -11,6 +11,7 @@
 #include "core/OrvStrMap.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "platform/http/OrvHostPatterns.h"
+#include "platform/http/OrvHttpShare.h"
 #include "platform/http/OrvRobotsTxt.h"
 
 using OrvHttpClock = std::chrono::steady_clock;
@@ -45,6 +46,7 @@ struct OrvHttpRunState {
   std::atomic<int64_t> fetches{0};
   std::atomic<int64_t> bytes{0};
   std::atomic<int> stopped{0};
+  OrvHttpShare share;  // connections, DNS and TLS sessions of the run's clients
 
   std::mutex robotsLock;
   OrvStrMap<int32_t> originIndex;  // "scheme://host:port" to its place in origins

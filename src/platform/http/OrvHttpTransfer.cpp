@@ -108,8 +108,11 @@ ORV_HTTP_STATUS Transfer(OrvHttpSession& s, const OrvHttpAdmission& admission, i
                                     int64_t(admission.settings.requestTimeoutMs) - transferMs));
 
   SetOptions(s, admission, timeoutMs);
+  // Held for this transfer only, so that the run may end before the client.
+  curl_easy_setopt(s.curl, CURLOPT_SHARE, s.run->share.Get());
   OrvHttpClock::time_point start = OrvHttpClock::now();
   code = curl_easy_perform(s.curl);
+  curl_easy_setopt(s.curl, CURLOPT_SHARE, nullptr);
   transferMs +=
       std::chrono::duration_cast<std::chrono::milliseconds>(OrvHttpClock::now() - start).count();
   long responseCode = 0;
