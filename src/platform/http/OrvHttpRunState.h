@@ -21,6 +21,7 @@ struct OrvHttpOrigin {
   OrvRobotsTxt robots;
   int robotsRead = 0;   // robots holds the origin's answer
   int robotsFound = 0;  // and it was a file, not an error
+  OrvString refusal;    // why it refuses a URL: its rules, or an error reading it
   bool hasStarted = false;
   OrvHttpClock::time_point lastStart;  // of the latest request there, for Crawl-delay
 };

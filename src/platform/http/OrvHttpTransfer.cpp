@@ -171,7 +171,7 @@ ORV_HTTP_STATUS OrvSessionFetch(OrvHttpSession& s, OrvHttpRunState& run, const O
       if (status != ORV_HTTP_OK) return Fail(s, status, why.buf);
       if (!allowed) {
         OrvHttpNoteRobotsRefused(run, s.url.buf);
-        return Fail(s, ORV_HTTP_ROBOTS_REFUSED, "refused by robots.txt");
+        return Fail(s, ORV_HTTP_ROBOTS_REFUSED, why.buf);
       }
     }
     OrvHttpAdmission admission;
