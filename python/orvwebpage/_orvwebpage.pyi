@@ -165,5 +165,5 @@ class EstimateResult(Tuple[int, int]):
 def estimate(url: Text, max_requests: Optional[int] = ..., timeout: Optional[float] = ...,
              deadline: Optional[float] = ..., delay: Optional[float] = ...,
              user_agent: Optional[str] = ..., stop: Optional[_StopEvent] = ...,
-             hosts: Union[None, Text, Iterable[Text]] = ...,
+             obey_robots: bool = ..., hosts: Union[None, Text, Iterable[Text]] = ...,
              explain: bool = ...) -> EstimateResult: ...

@@ -18,6 +18,7 @@
 #include "EstimateExplain.h"
 #include "PyText.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
 namespace orvpy {
@@ -27,9 +28,6 @@ PyTypeObject* resultType = nullptr;
 PyTypeObject* shapeType = nullptr;
 PyTypeObject* listingType = nullptr;
 PyTypeObject* probeType = nullptr;
-
-// The HTTP limits and counters belong to the process: one estimate at a time.
-std::mutex processEstimate;
 
 constexpr double kMaxSeconds = 1e6;
 constexpr auto kSlice = std::chrono::milliseconds(50);
@@ -45,8 +43,9 @@ int32_t Milliseconds(const std::optional<double>& seconds, const char* what, boo
 
 OrvHttpSettings MakeSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
                              std::optional<double> deadline, std::optional<double> delay,
-                             const std::optional<std::string>& userAgent) {
+                             const std::optional<std::string>& userAgent, bool obeyRobots) {
   OrvHttpSettings settings;
+  settings.obeyRobots = obeyRobots ? 1 : 0;
   if (maxRequests) {
     if (*maxRequests < 1) throw py::value_error("max_requests must be at least 1");
     settings.maxRequests = *maxRequests;
@@ -73,6 +72,7 @@ struct Crawl {
   bool explain = false, hostsRefused = false;
   Explanation explanation;
   OrvHttpSettings settings;
+  OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvWebPageCountEstimate estimator;
   std::mutex lock;
   std::condition_variable finished;
@@ -82,7 +82,7 @@ struct Crawl {
   double seconds = 0;
 
   void Run() {
-    std::lock_guard<std::mutex> only(processEstimate);
+    httpRun.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
       hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
@@ -100,21 +100,18 @@ struct Crawl {
       bytes = OrvHttpLimits::GetBytes();
       if (explain) explanation = ReadExplanation(estimator);
     }
+    httpRun.Unbind();
     std::lock_guard<std::mutex> guard(lock);
     done = true;
     finished.notify_all();
   }
 
   // The estimator forgets a stop that comes before its crawl begins, so the
-  // caller repeats it every slice; spending the HTTP limits makes the queued
+  // caller repeats it every slice; stopping the HTTP run makes the queued
   // rest of the crawl end at once, a request in flight included.
   void Stop() {
     std::lock_guard<std::mutex> guard(lock);
-    if (!stopRequested && started) {
-      OrvHttpSettings spent = OrvHttpLimits::Get();
-      spent.deadlineMs = 1;
-      OrvHttpLimits::Set(spent);
-    }
+    if (!stopRequested && started) httpRun.Stop();
     stopRequested = true;
     if (started) estimator.StopEstimating();
   }
@@ -204,13 +201,14 @@ py::list Listings(const Explanation& explanation) {
 py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                     std::optional<double> timeout, std::optional<double> deadline,
                     std::optional<double> delay, const std::optional<std::string>& userAgent,
-                    const py::object& stop, const py::object& hosts, bool explain) {
+                    const py::object& stop, bool obeyRobots, const py::object& hosts,
+                    bool explain) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
-  crawl->settings = MakeSettings(maxRequests, timeout, deadline, delay, userAgent);
+  crawl->settings = MakeSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
   crawl->hosts = HostPatterns(hosts);
   crawl->explain = explain;
 
@@ -277,7 +275,8 @@ void AddEstimate(py::module_& m) {
   m.def("estimate", &Estimate, py::arg("url"), py::arg("max_requests") = py::none(),
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(), py::arg("hosts") = py::none(), py::arg("explain") = false,
+        py::arg("stop") = py::none(), py::arg("obey_robots") = true, py::arg("hosts") = py::none(),
+        py::arg("explain") = false,
         R"(Estimates how many pages the site at url holds by crawling it.
 
 Returns EstimateResult(estimate, requests); estimate 0 when nothing could be read.
@@ -285,12 +284,14 @@ max_requests: request budget; timeout: seconds per request (default 30);
 deadline: seconds for the whole run; delay: seconds between two requests;
 user_agent: the User-Agent header; stop: a threading.Event that ends the crawl
 early when set. Ctrl-C ends it too and raises KeyboardInterrupt.
+obey_robots: read each origin's robots.txt (one request, counted) and fetch
+nothing it refuses; False turns that off.
 hosts: the only hosts requests may go to, e.g. ["site.test", "*.site.test:8080"]
 (as the tool's --hosts); explain: fill result.shapes and result.listings with
 what the estimate is made of (as the tool's --explain --json).
 
-The crawl runs without the GIL. Its limits and counters are process-wide: one
-estimate runs at a time per process, and a second call waits for the first.)");
+The crawl runs without the GIL, with limits and counters of its own: calls on
+several threads run side by side, each within its own limits.)");
 }
 
 }  // namespace orvpy
