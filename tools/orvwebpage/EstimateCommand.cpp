@@ -5,18 +5,22 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
 
 #include "Command.h"
 #include "EstimateExplain.h"
+#include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "orvwebpage/OrvHttpLimits.h"
@@ -38,35 +42,6 @@ struct EstimateOptions {
   bool json = false;
   bool explain = false;
 };
-
-// Longer limits than this are no limits for a crawl, and keep the
-// conversion to milliseconds far from overflow.
-constexpr double kMaxSeconds = 1e6;
-
-const CLI::Validator kSeconds(
-    [](std::string& text) -> std::string {
-      double value = 0;
-      size_t used = 0;
-      try {
-        value = std::stod(text, &used);
-      } catch (const std::exception&) {
-        return "not a number of seconds: " + text;
-      }
-      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
-        return "seconds must be a number above 0 and at most 1000000: " + text;
-      return "";
-    },
-    "SECONDS");
-
-const CLI::Validator kHeaderText(
-    [](std::string& text) -> std::string {
-      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
-        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
-      for (unsigned char c : text)
-        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
-      return "";
-    },
-    "TEXT");
 
 const CLI::Validator kHostPatterns(
     [](std::string& text) -> std::string {
@@ -101,6 +76,10 @@ std::string SiteDomainWarning(const std::string& entry) {
   if (domain.substr(0, domain.find(':')).find('.') != std::string::npos) return "";
 
   std::string line = "orvwebpage: warning: ";
+  // A www. in front helps only where the host is one label above a top
+  // level ("example.com"); elsewhere only --hosts confines the crawl.
+  bool www = host[0] != '[' && host.find('.') != std::string::npos &&
+             host.find('.') == host.rfind('.') && strncasecmp(host.c_str(), "www.", 4) != 0;
   if (domain.empty())
     line += "the site domain is empty (the entry host " + host +
             " has no dot), so links to every host are followed";
@@ -109,17 +88,10 @@ std::string SiteDomainWarning(const std::string& entry) {
             "every host containing it, and links to them are followed";
   size_t at = entry.find("://");
   at = at == std::string::npos ? at : entry.find(host, at + 3);
-  if (host[0] != '[' && at != std::string::npos)
-    line += "; try " + entry.substr(0, at) + "www." + entry.substr(at) +
-            " (or another first label), or confine requests with --hosts";
-  else
-    line += "; confine requests with --hosts";
+  line += "; confine requests with --hosts " + host;
+  if (www && at != std::string::npos)
+    line += ", or start from " + entry.substr(0, at) + "www." + entry.substr(at);
   return line;
-}
-
-int32_t Milliseconds(double seconds) {
-  double ms = std::ceil(seconds * 1000);
-  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
 }
 
 std::string FormatSeconds(double seconds) {
@@ -135,6 +107,7 @@ struct EstimateRun {
   int64_t fetches = 0;  // requests that started a fetch: a redirect chain counts once
   int64_t bytes = 0;
   bool spent = false;
+  bool interrupted = false;
   double seconds = 0;
   Explanation explanation;
 };
@@ -162,8 +135,48 @@ void ShowProgress(const OrvHttpProgress& p, void* context) {
                       probing ? "probing a listing" : "crawling");
 }
 
+volatile std::sig_atomic_t interrupted = 0;
+
+void OnInterrupt(int) { interrupted = 1; }
+
+// Ctrl-C cuts the crawl short: the handler only sets a flag, and this
+// watcher stops the estimator and the request in flight, so the estimate
+// made so far is printed.
+class InterruptWatch {
+ public:
+  explicit InterruptWatch(OrvWebPageCountEstimate& estimator) {
+    interrupted = 0;
+    struct sigaction action = {};
+    action.sa_handler = OnInterrupt;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &previous);
+    watcher = std::thread([this, &estimator] {
+      while (!done.load()) {
+        if (interrupted) {
+          estimator.StopEstimating();
+          OrvHttpLimits::Stop();
+          return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+    });
+  }
+  ~InterruptWatch() {
+    done = true;
+    watcher.join();
+    sigaction(SIGINT, &previous, nullptr);
+  }
+  bool Interrupted() const { return interrupted != 0; }
+
+ private:
+  struct sigaction previous = {};
+  std::atomic<bool> done{false};
+  std::thread watcher;
+};
+
 EstimateRun Estimate(const EstimateOptions& o) {
   OrvWebPageCountEstimate estimator;
+  InterruptWatch watch(estimator);
   std::unique_ptr<Progress> progress;
   if (isatty(STDERR_FILENO)) {
     progress.reset(new Progress{.estimator = &estimator});
@@ -171,7 +184,8 @@ EstimateRun Estimate(const EstimateOptions& o) {
   }
 
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
-  std::string warning = SiteDomainWarning(o.url);
+  // With --hosts the crawl is confined already.
+  std::string warning = o.hosts.empty() ? SiteDomainWarning(o.url) : "";
   if (!warning.empty()) std::cerr << warning << std::endl;
 
   OrvHttpLimits::ResetCounters();
@@ -185,6 +199,7 @@ EstimateRun Estimate(const EstimateOptions& o) {
   run.fetches = OrvHttpLimits::GetFetches();
   run.bytes = OrvHttpLimits::GetBytes();
   run.spent = OrvHttpLimits::IsSpent() != 0;
+  run.interrupted = watch.Interrupted();
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
@@ -201,6 +216,10 @@ void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
     out["estimate"] = run.estimate;
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
+    if (run.interrupted) {
+      out["partial"] = true;
+      out["reason"] = "interrupted";
+    }
     if (o.explain) AddExplanation(run.explanation, out);
     PrintJson(out, kOneLine);
     return;
@@ -209,22 +228,26 @@ void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
             << "estimate: " << run.estimate << " pages\n"
             << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
             << "seconds:  " << FormatSeconds(run.seconds) << "\n";
+  if (run.interrupted) std::cout << "partial:  interrupted\n";
   if (o.explain) PrintExplanation(run.explanation, std::cout);
 }
 
 int RunEstimate(const EstimateOptions& o) {
   EstimateRun run = Estimate(o);
+  if (run.interrupted) {
+    PrintRun(o, run);
+    return 130;
+  }
   // Nothing could be read when the estimate is 0 and at most the entry was
   // asked for (its redirects included). A read entry page can give 0 as well
   // (a listing whose pages hold no crawlable link), but finding that
   // listing's last page takes probes, so such a run has fetched more pages.
-  if (run.estimate == 0 && run.fetches <= 1)
-    throw CommandError(
-        "cannot read " + o.url +
-        (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty()
-             ? ": its host is not among --hosts"
-         : run.spent ? ": the deadline or the request budget ran out first"
-                     : ": no readable page came back"));
+  if (run.estimate == 0 && run.fetches <= 1) {
+    std::string reason = LastFailure(run.spent ? "the deadline or the request budget ran out first"
+                                               : "no readable page came back");
+    if (reason == "host not allowed") reason = "its host is not among --hosts";
+    throw CommandError(o.url, reason, o.json);
+  }
   PrintRun(o, run);
   return 0;
 }
@@ -237,12 +260,12 @@ Command AddEstimateCommand(CLI::App& parent) {
   auto o = std::make_shared<EstimateOptions>();
   app->add_option("URL", o->url, "entry URL of the site")->required();
   app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
-      ->check(CLI::PositiveNumber);
+      ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
   app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
-      ->check(CLI::Range(0, INT32_MAX));
+      ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
