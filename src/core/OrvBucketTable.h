@@ -4,6 +4,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "core/OrvBucketIndex.h"
 #include "core/OrvMemory.h"
 
 // The hash table under OrvStrMap and OrvIntMap: buckets of fixed entries
@@ -14,6 +15,10 @@
 // index and, inside a bucket, the order that arrivals, growth, doublings and
 // removals leave. Every step below that moves an entry is therefore deliberate.
 // The typed faces say what a key is, how it spreads and how it matches.
+//
+// A bucket past indexFrom entries is also indexed by a seeded hash (see
+// OrvBucketIndex), so keys crafted to share the fixed hash are found as fast
+// as any; the index never moves an entry.
 template <class Entry>
 class OrvBucketTable {
   static_assert(std::is_trivially_copyable_v<Entry>, "entries are moved bytewise");
@@ -25,6 +30,7 @@ class OrvBucketTable {
     uint32_t capacity;
     uint32_t used;
     Entry* entries;
+    OrvBucketIndex* index;  // only for a long bucket
   };
 
   uint32_t count;
@@ -32,13 +38,19 @@ class OrvBucketTable {
   uint32_t bucketCount;
   Entry** flat;  // flatCount long when built; see Flatten
   int32_t bucketSize;
+  // Buckets of at least this many entries get an index; any value gives the
+  // same results, only lookups among crowded keys speed up.
+  uint32_t indexFrom = 32;
 
   OrvBucketTable() : count(0), buckets(nullptr), bucketCount(0), flat(nullptr), bucketSize(16) {}
   OrvBucketTable(const OrvBucketTable&) = delete;
   OrvBucketTable& operator=(const OrvBucketTable&) = delete;
 
   ~OrvBucketTable() {
-    for (uint32_t i = 0; i < bucketCount; i++) OrvFreeBytes(buckets[i].entries);
+    for (uint32_t i = 0; i < bucketCount; i++) {
+      OrvFreeBytes(buckets[i].entries);
+      OrvBucketIndex::Free(buckets[i].index);
+    }
     OrvFreeBytes(buckets);
     OrvFreeBytes(flat);
     FreeRetired();
@@ -73,7 +85,11 @@ class OrvBucketTable {
   // Empties the table but keeps the buckets and their arrays.
   void Clear() {
     DropFlat();
-    for (uint32_t i = 0; i < bucketCount; i++) buckets[i].used = 0;
+    for (uint32_t i = 0; i < bucketCount; i++) {
+      buckets[i].used = 0;
+      OrvBucketIndex::Free(buckets[i].index);
+      buckets[i].index = nullptr;
+    }
     count = 0;
   }
 
@@ -86,25 +102,34 @@ class OrvBucketTable {
     bucketCount = 4;
     buckets = static_cast<Bucket*>(OrvAllocBytes(sizeof(Bucket) * 4));
     uint32_t capacity = FreshCapacity();
-    for (uint32_t i = 0; i < 4; i++) buckets[i] = Bucket{capacity, 0, NewEntries(capacity)};
+    for (uint32_t i = 0; i < 4; i++)
+      buckets[i] = Bucket{capacity, 0, NewEntries(capacity), nullptr};
   }
 
   Bucket* BucketOf(uint32_t spread) const {
     return buckets ? &buckets[spread & (bucketCount - 1)] : nullptr;
   }
 
-  template <class Match>
-  static Entry* Search(const Bucket* b, Match match) {
+  // probeSeeded() gives the seeded hash of the key searched for; it is only
+  // asked in an indexed bucket.
+  template <class Match, class ProbeSeeded>
+  static Entry* Search(const Bucket* b, Match match, ProbeSeeded probeSeeded) {
     if (!b) return nullptr;
+    if (b->index) {
+      uint32_t pos =
+          b->index->Find(probeSeeded(), [&](uint32_t p) { return match(b->entries[p]); });
+      return pos == OrvBucketIndex::kNone ? nullptr : &b->entries[pos];
+    }
     for (Entry *e = b->entries, *end = e + b->used; e != end; ++e)
       if (match(*e)) return e;
     return nullptr;
   }
 
   // The slot for a new key of that spread, counted, in the bucket it belongs
-  // to after any growth; spreadOf(entry) re-spreads entries when buckets double.
-  template <class SpreadOf>
-  Entry* AddEntry(uint32_t spread, SpreadOf spreadOf) {
+  // to after any growth; spreadOf(entry) re-spreads entries when buckets double,
+  // seededOf(entry) indexes them, newSeeded() is the new key's seeded hash.
+  template <class SpreadOf, class SeededOf, class NewSeeded>
+  Entry* AddEntry(uint32_t spread, SpreadOf spreadOf, SeededOf seededOf, NewSeeded newSeeded) {
     if (!buckets) FirstUse();
     count++;
     Bucket* b = BucketOf(spread);
@@ -112,18 +137,25 @@ class OrvBucketTable {
       if (uint64_t(count) < DoublingLimit() || bucketCount >= 0x80000000u) {
         Grow(*b);
       } else {
-        Double(spreadOf);
+        Double(spreadOf, seededOf);
         b = BucketOf(spread);
         if (b->used >= b->capacity) Grow(*b);
       }
     }
+    if (!b->index && b->used >= indexFrom) Reindex(*b, seededOf);
+    if (b->index) b->index->Add(newSeeded(), b->used);
     return &b->entries[b->used++];
   }
 
   // The hole is filled by the bucket's last entry; `flat` is left alone.
-  void RemoveEntry(Bucket* b, Entry* e) {
-    b->used--;
+  template <class SeededOf>
+  void RemoveEntry(Bucket* b, Entry* e, SeededOf seededOf) {
     uint32_t pos = uint32_t(e - b->entries);
+    if (b->index) {
+      b->index->Remove(seededOf(*e), pos);
+      if (pos + 1 != b->used) b->index->Move(seededOf(b->entries[b->used - 1]), b->used - 1, pos);
+    }
+    b->used--;
     if (pos != b->used) b->entries[pos] = b->entries[b->used];
     count--;
   }
@@ -157,8 +189,8 @@ class OrvBucketTable {
   // Low bucket i keeps its array; entries with bit n of their spread set go to
   // bucket i + n, taken from the back, each hole filled by the low bucket's
   // last entry.
-  template <class SpreadOf>
-  void Double(SpreadOf spreadOf) {
+  template <class SpreadOf, class SeededOf>
+  void Double(SpreadOf spreadOf, SeededOf seededOf) {
     uint32_t n = bucketCount;
     Bucket* old = buckets;
     Bucket* grown = static_cast<Bucket*>(OrvAllocBytes(sizeof(Bucket) * 2 * size_t(n)));
@@ -166,17 +198,29 @@ class OrvBucketTable {
       Bucket& lo = grown[i];
       Bucket& hi = grown[i + n];
       lo = old[i];
-      hi = Bucket{lo.capacity, 0, NewEntries(lo.capacity)};
+      hi = Bucket{lo.capacity, 0, NewEntries(lo.capacity), nullptr};
       for (uint32_t j = lo.used; j-- > 0;) {
         if (!(spreadOf(lo.entries[j]) & n)) continue;
         hi.entries[hi.used++] = lo.entries[j];
         lo.used--;
         if (j != lo.used) lo.entries[j] = lo.entries[lo.used];
       }
+      if (lo.index || lo.used >= indexFrom) Reindex(lo, seededOf);
+      if (hi.used >= indexFrom) Reindex(hi, seededOf);
     }
     buckets = grown;
     bucketCount = 2 * n;
     OrvFreeBytes(old);
+  }
+
+  // A fresh index of the bucket's entries, or none for a short bucket.
+  template <class SeededOf>
+  void Reindex(Bucket& b, SeededOf seededOf) {
+    OrvBucketIndex::Free(b.index);
+    b.index = nullptr;
+    if (b.used < indexFrom) return;
+    b.index = OrvBucketIndex::New(b.used + 1);
+    for (uint32_t i = 0; i < b.used; i++) b.index->Add(seededOf(b.entries[i]), i);
   }
 
   void Retire(Entry* entries) {

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "core/OrvBucketTable.h"
+#include "core/OrvSeededHash.h"
 
 // There is no hash function: the bucket is the low 32 bits of the key masked
 // with bucketCount - 1, so consecutive depths land in consecutive buckets and
@@ -57,7 +58,9 @@ class OrvIntMap : public OrvBucketTable<OrvIntMapEntry<K, V>> {
       return &e->value;
     }
     if (found) *found = 0;
-    Entry* e = this->AddEntry(Low(key), [](const Entry& x) { return Low(x.key); });
+    Entry* e = this->AddEntry(
+        Low(key), [](const Entry& x) { return Low(x.key); }, SeededOf,
+        [key] { return OrvSeededHash(uint64_t(key)); });
     e->key = key;
     e->value = V{};
     return &e->value;
@@ -67,12 +70,16 @@ class OrvIntMap : public OrvBucketTable<OrvIntMapEntry<K, V>> {
     Entry* e = Search(key);
     if (!e) return 0;
     if (oldValue) *oldValue = e->value;
-    this->RemoveEntry(this->BucketOf(Low(key)), e);
+    this->RemoveEntry(this->BucketOf(Low(key)), e, SeededOf);
     return 1;
   }
 
  private:
+  static uint32_t SeededOf(const Entry& e) { return OrvSeededHash(uint64_t(e.key)); }
+
   Entry* Search(K key) const {
-    return Base::Search(this->BucketOf(Low(key)), [key](const Entry& e) { return e.key == key; });
+    return Base::Search(
+        this->BucketOf(Low(key)), [key](const Entry& e) { return e.key == key; },
+        [key] { return OrvSeededHash(uint64_t(key)); });
   }
 };

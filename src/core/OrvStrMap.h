@@ -6,6 +6,7 @@
 
 #include "core/OrvBucketTable.h"
 #include "core/OrvMemory.h"
+#include "core/OrvSeededHash.h"
 #include "orvwebpage/OrvString.h"
 
 template <class V>
@@ -63,7 +64,9 @@ class OrvStrMap : public OrvBucketTable<OrvStrMapEntry<V>> {
       return &e->value;
     }
     if (found) *found = 0;
-    Entry* e = this->AddEntry(h, [](const Entry& x) { return x.hash; });
+    Entry* e = this->AddEntry(
+        h, [](const Entry& x) { return x.hash; }, SeededOf(),
+        [key, n] { return OrvSeededHash(key, n); });
     e->hash = h;
     e->keyOffset = AddKeyBytes(key, n);
     e->keyLen = n;
@@ -79,7 +82,7 @@ class OrvStrMap : public OrvBucketTable<OrvStrMapEntry<V>> {
     Entry* e = Search(h, key, n);
     if (!e) return 0;
     if (oldValue) *oldValue = e->value;
-    this->RemoveEntry(this->BucketOf(h), e);
+    this->RemoveEntry(this->BucketOf(h), e, SeededOf());
     return 1;
   }
 
@@ -108,10 +111,17 @@ class OrvStrMap : public OrvBucketTable<OrvStrMapEntry<V>> {
   }
 
   Entry* Search(uint32_t h, const char* key, int32_t n) const {
-    return Base::Search(this->BucketOf(h), [&](const Entry& e) {
-      return e.hash == h && e.keyLen == n &&
-             (n == 0 || std::memcmp(keys + e.keyOffset, key, size_t(n)) == 0);
-    });
+    return Base::Search(
+        this->BucketOf(h),
+        [&](const Entry& e) {
+          return e.hash == h && e.keyLen == n &&
+                 (n == 0 || std::memcmp(keys + e.keyOffset, key, size_t(n)) == 0);
+        },
+        [key, n] { return OrvSeededHash(key, n); });
+  }
+
+  auto SeededOf() const {
+    return [this](const Entry& e) { return OrvSeededHash(keys + e.keyOffset, e.keyLen); };
   }
 
   // Even Find makes the first arrays, with 64 key bytes per entry slot of a
