@@ -8,6 +8,7 @@
 #include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvItemPath.h"
+#include "orvwebpage/OrvMemoryUse.h"
 #include "orvwebpage/OrvPageLinks.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvSys.h"

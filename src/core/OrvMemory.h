@@ -1,6 +1,10 @@
 #pragma once
 
+#include <malloc.h>
+
+#include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -10,17 +14,28 @@
 
 [[noreturn]] inline void OrvOutOfMemory() { std::abort(); }
 
+// Bytes the byte helpers hold, over the process (OrvGetHeldBytes reads it), so
+// that a caller can stop a run before the machine runs out.
+extern std::atomic<int64_t> orvHeldBytes;
+
 inline void* OrvAllocBytes(std::size_t bytes) {
   void* p = std::malloc(bytes ? bytes : 1);
   if (!p) OrvOutOfMemory();
+  orvHeldBytes.fetch_add(int64_t(malloc_usable_size(p)), std::memory_order_relaxed);
   return p;
 }
 
-inline void OrvFreeBytes(void* p) { std::free(p); }
+inline void OrvFreeBytes(void* p) {
+  if (!p) return;
+  orvHeldBytes.fetch_sub(int64_t(malloc_usable_size(p)), std::memory_order_relaxed);
+  std::free(p);
+}
 
 inline void* OrvReallocBytes(void* p, std::size_t bytes) {
+  int64_t before = p ? int64_t(malloc_usable_size(p)) : 0;
   void* q = std::realloc(p, bytes ? bytes : 1);
   if (!q) OrvOutOfMemory();
+  orvHeldBytes.fetch_add(int64_t(malloc_usable_size(q)) - before, std::memory_order_relaxed);
   return q;
 }
 
