@@ -11,6 +11,9 @@
 struct OrvHttpSettings {
   int64_t maxRequests = 0;  // requests allowed since the last ResetCounters; 0: no budget
   int64_t deadlineMs = 0;   // whole run, counted from the Set call; 0: none
+  // Requests fail as with a spent budget while the library holds more than
+  // this (OrvGetHeldBytes, over the process); 0: no memory budget.
+  int64_t maxHeldBytes = 0;
   int32_t connectTimeoutMs = 10000;
   int32_t requestTimeoutMs = 30000;  // per Run, redirects included
   int32_t delayMs = 0;               // least time between the starts of two requests
@@ -58,7 +61,8 @@ class ORV_API OrvHttpLimits {
   static int64_t GetBytes();
   // The URL of the request in hand, or of the last one; empty before any.
   static void GetCurrentUrl(OrvString& url);
-  // 1 when the budget or the deadline is spent, so that Run fails at once.
+  // 1 when the budget, the deadline or the memory budget is spent, so that
+  // Run fails at once.
   static int IsSpent();
 
   static void SetProgress(OrvHttpProgressFn progress, void* context);

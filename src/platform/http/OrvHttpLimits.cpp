@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "orvwebpage/OrvMemoryUse.h"
 #include "orvwebpage/OrvVersion.h"
 #include "platform/http/OrvHttpGate.h"
 #include "platform/http/OrvHttpRunState.h"
@@ -39,6 +40,8 @@ const char* SpentReason(OrvHttpRunState& s, Clock::time_point now) {
   if (s.settings.maxRequests > 0 && s.requests.load() >= s.settings.maxRequests)
     return "request budget spent";
   if (s.hasDeadline && now >= s.deadline) return "deadline passed";
+  if (s.settings.maxHeldBytes > 0 && OrvGetHeldBytes() > s.settings.maxHeldBytes)
+    return "memory budget spent";
   return nullptr;
 }
 
