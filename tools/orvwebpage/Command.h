@@ -18,6 +18,12 @@ struct CommandError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Texts handed to the library have 32-bit lengths.
+constexpr size_t kMaxTextSize = 0x7fffffff;
+
+// Throws CommandError naming what (e.g. "line 3") when size is above kMaxTextSize.
+void CheckTextSize(size_t size, const std::string& what);
+
 // Contents of a file, or of stdin for "-".
 std::string ReadInput(const std::string& path);
 

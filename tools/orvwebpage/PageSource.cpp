@@ -19,7 +19,11 @@ bool IsWebUrl(const std::string& source) {
 
 std::string ReadPageSource(const std::string& source, std::string* contentType) {
   if (contentType) contentType->clear();
-  if (!IsWebUrl(source)) return ReadInput(source);
+  if (!IsWebUrl(source)) {
+    std::string page = ReadInput(source);
+    CheckTextSize(page.size(), source == "-" ? "the page on stdin" : source);
+    return page;
+  }
   OrvHttp http;
   std::vector<char> url(source.begin(), source.end());
   url.push_back('\0');
