@@ -19,6 +19,7 @@
 #include "EstimateExplain.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
@@ -205,7 +206,7 @@ void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
     PrintJson(out, kOneLine);
     return;
   }
-  std::cout << "url:      " << o.url << "\n"
+  std::cout << "url:      " << ShownText(o.url) << "\n"
             << "estimate: " << run.estimate << " pages\n"
             << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
             << "seconds:  " << FormatSeconds(run.seconds) << "\n";

@@ -7,6 +7,7 @@
 #include "Command.h"
 #include "JsonOutput.h"
 #include "PageSource.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvWebPageVisibleNodes.h"
 
@@ -71,7 +72,7 @@ void PrintReadable(const TextClasses& classes) {
     std::cout << "\n"
               << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts.size()
               << (texts.size() == 1 ? " text)\n" : " texts)\n");
-    for (const auto& text : texts) std::cout << "  " << OneLine(text) << "\n";
+    for (const auto& text : texts) std::cout << "  " << ShownText(OneLine(text)) << "\n";
   }
 }
 

@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "ShownText.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"orvwebpage: what the shape of URLs, links and pages says about a site"};
@@ -19,7 +20,7 @@ int main(int argc, char** argv) {
   } catch (const CLI::Success& e) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
-    std::cerr << "orvwebpage: " << e.what() << "\n";
+    std::cerr << "orvwebpage: " << ShownText(e.what()) << "\n";
     return 2;
   }
 
@@ -27,7 +28,7 @@ int main(int argc, char** argv) {
     for (auto& command : commands)
       if (command.app->parsed()) return command.run();
   } catch (const std::exception& e) {
-    std::cerr << "orvwebpage: " << e.what() << "\n";
+    std::cerr << "orvwebpage: " << ShownText(e.what()) << "\n";
     return 1;
   }
   return 2;
