@@ -16,6 +16,7 @@
 
 #include "Bindings.h"
 #include "PyText.h"
+#include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
@@ -71,6 +72,7 @@ struct Crawl {
   std::condition_variable finished;
   bool started = false, done = false, stopRequested = false;
   long estimate = 0;
+  int64_t exact = 0;  // the same sum in 64 bits: where it differs, the estimate wrapped
   int64_t requests = 0, bytes = 0;
   double seconds = 0;
 
@@ -87,6 +89,7 @@ struct Crawl {
     if (started) {
       auto start = std::chrono::steady_clock::now();
       estimate = estimator.EstimateCount(url.data(), long(url.size()));
+      exact = OrvExactEstimate(estimator);
       seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
       requests = OrvHttpLimits::GetRequests();
       bytes = OrvHttpLimits::GetBytes();
@@ -163,6 +166,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
   PyStructSequence_SET_ITEM(result, 2, PyLong_FromLongLong(crawl->bytes));
   PyStructSequence_SET_ITEM(result, 3, PyFloat_FromDouble(crawl->seconds));
   PyStructSequence_SET_ITEM(result, 4, PyBool_FromLong(stopped));
+  PyStructSequence_SET_ITEM(result, 5, PyBool_FromLong(crawl->exact != crawl->estimate));
   return py::reinterpret_steal<py::object>(result);
 }
 
@@ -171,8 +175,9 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
 void AddEstimate(py::module_& m) {
   resultType = NewRecordType(
       m, "EstimateResult",
-      "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event)",
-      {"estimate", "requests", "bytes", "seconds", "stopped"}, 2);
+      "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event), "
+      "wrapped (the estimate wrapped around in its 32-bit arithmetic)",
+      {"estimate", "requests", "bytes", "seconds", "stopped", "wrapped"}, 2);
   m.def("estimate", &Estimate, py::arg("url"), py::arg("max_requests") = py::none(),
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),

@@ -1,4 +1,6 @@
 import _thread
+import contextlib
+import http.server
 import threading
 import time
 
@@ -58,6 +60,46 @@ def test_stop_event_and_ctrl_c_end_the_crawl_early(sample_site):
     with pytest.raises(KeyboardInterrupt):
         orvwebpage.estimate(site.url, delay=0.2)
     assert time.monotonic() - start < 2
+
+
+@contextlib.contextmanager
+def loopback_server(handle):
+    """An HTTP server on 127.0.0.1 calling handle(request) for every GET."""
+    class Handler(http.server.BaseHTTPRequestHandler):
+        def do_GET(self):
+            handle(self)
+
+        def log_message(self, *args):
+            pass
+
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+    server.daemon_threads = True
+    thread = threading.Thread(target=server.serve_forever, daemon=True)
+    thread.start()
+    try:
+        yield f"http://127.0.0.1:{server.server_address[1]}"
+    finally:
+        server.shutdown()
+        server.server_close()
+
+
+def send_page(request, body):
+    request.send_response(200)
+    request.send_header("Content-Type", "text/html")
+    request.send_header("Content-Length", str(len(body)))
+    request.end_headers()
+    request.wfile.write(body)
+
+
+# A pager that claims a billion pages: the 32-bit sum wraps and says so.
+@pytest.mark.parametrize("top,wrapped", [(1000000000, True), (1000, False)])
+def test_a_wrapped_estimate_says_so(top, wrapped):
+    page = (f'<a href="/list?page=1">1</a> <a href="/list?page=2">2</a> '
+            f'<a href="/list?page={top}">{top}</a>').encode()
+    with loopback_server(lambda request: send_page(request, page)) as url:
+        result = orvwebpage.estimate(url + "/list?page=1", timeout=10)
+    assert result.wrapped == wrapped
+    assert (result.estimate >= top) != wrapped
 
 
 @pytest.mark.parametrize("kwargs,error", [

@@ -20,6 +20,7 @@
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "ShownText.h"
+#include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
@@ -132,6 +133,7 @@ std::string FormatSeconds(double seconds) {
 // What one run gave, the explanation only when asked for.
 struct EstimateRun {
   long estimate = 0;
+  int64_t exact = 0;  // the same sum in 64 bits: where it differs, the estimate wrapped
   int64_t requests = 0;
   int64_t fetches = 0;  // requests that started a fetch: a redirect chain counts once
   int64_t bytes = 0;
@@ -181,6 +183,7 @@ EstimateRun Estimate(const EstimateOptions& o) {
   std::string url = o.url;
   EstimateRun run;
   run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+  run.exact = OrvExactEstimate(estimator);
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.requests = OrvHttpLimits::GetRequests();
   run.fetches = OrvHttpLimits::GetFetches();
@@ -196,12 +199,18 @@ EstimateRun Estimate(const EstimateOptions& o) {
 }
 
 void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
+  bool wrapped = run.exact != run.estimate;
+  if (wrapped)
+    std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
+                 "summed in 64 bits it is "
+              << run.exact << " pages" << std::endl;
   if (o.json) {
     nlohmann::ordered_json out;
     out["url"] = o.url;
     out["estimate"] = run.estimate;
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
+    if (wrapped) out["wrapped"] = true;
     if (o.explain) AddExplanation(run.explanation, out);
     PrintJson(out, kOneLine);
     return;
