@@ -175,7 +175,7 @@ EstimateRun Estimate(const EstimateOptions& o) {
 
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
   std::string warning = SiteDomainWarning(o.url);
-  if (!warning.empty()) std::cerr << warning << std::endl;
+  if (!warning.empty()) std::cerr << ShownText(warning) << std::endl;
 
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();

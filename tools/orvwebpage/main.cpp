@@ -3,6 +3,7 @@
 
 #include "Command.h"
 #include "ShownText.h"
+#include "orvwebpage/OrvVersion.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"orvwebpage: what the shape of URLs, links and pages says about a site"};

@@ -37,3 +37,5 @@ std::unique_ptr<SiteProfile> MakeNoCrawlProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeShapesProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeSingleProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeMixedProfile(uint64_t seed, int64_t pages);
+// The sitemap profiles (SitemapProfiles.cpp), by name; nullptr for another.
+std::unique_ptr<SiteProfile> MakeSitemapProfile(const std::string& name, uint64_t seed);
