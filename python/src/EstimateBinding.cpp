@@ -18,6 +18,7 @@
 #include "PyText.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
 namespace orvpy {
@@ -68,6 +69,7 @@ struct Crawl {
   std::string url;
   OrvHttpSettings settings;
   OrvWebPageCountEstimate estimator;
+  OrvHttpRun run;  // bound to the worker while it crawls
   std::mutex lock;
   std::condition_variable finished;
   bool started = false, done = false, stopRequested = false;
@@ -78,6 +80,7 @@ struct Crawl {
 
   void Run() {
     std::lock_guard<std::mutex> only(processEstimate);
+    run.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
       if (!stopRequested) {
@@ -94,21 +97,18 @@ struct Crawl {
       requests = OrvHttpLimits::GetRequests();
       bytes = OrvHttpLimits::GetBytes();
     }
+    run.Unbind();
     std::lock_guard<std::mutex> guard(lock);
     done = true;
     finished.notify_all();
   }
 
   // The estimator forgets a stop that comes before its crawl begins, so the
-  // caller repeats it every slice; spending the HTTP limits makes the queued
-  // rest of the crawl end at once, a request in flight included.
+  // caller repeats it every slice; stopping the run ends the request in
+  // flight and the delay wait at once, and fails the queued rest of the crawl.
   void Stop() {
     std::lock_guard<std::mutex> guard(lock);
-    if (!stopRequested && started) {
-      OrvHttpSettings spent = OrvHttpLimits::Get();
-      spent.deadlineMs = 1;
-      OrvHttpLimits::Set(spent);
-    }
+    if (!stopRequested) run.Stop();
     stopRequested = true;
     if (started) estimator.StopEstimating();
   }

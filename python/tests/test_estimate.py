@@ -102,6 +102,46 @@ def test_a_wrapped_estimate_says_so(top, wrapped):
     assert (result.estimate >= top) != wrapped
 
 
+def slow_body(request):
+    """Headers at once, then one byte of the body every half second."""
+    request.send_response(200)
+    request.send_header("Content-Type", "text/html")
+    request.send_header("Content-Length", "100")
+    request.end_headers()
+    try:
+        for _ in range(100):
+            request.wfile.write(b" ")
+            request.wfile.flush()
+            time.sleep(0.5)
+    except OSError:
+        pass
+
+
+def two_links(request):
+    send_page(request, b'<a href="/a?id=1">a</a> <a href="/b?x=1">b</a>')
+
+
+# A stop, or Ctrl-C, ends the request in flight and the wait between two
+# requests at once, not when they would have ended.
+@pytest.mark.parametrize("handle,delay,interrupt", [
+    (slow_body, None, False),
+    (two_links, 25, False),
+    (slow_body, None, True),
+    (two_links, 25, True),
+])
+def test_a_stop_ends_the_request_in_flight_and_the_delay(handle, delay, interrupt):
+    with loopback_server(handle) as url:
+        stop = threading.Event()
+        threading.Timer(1, _thread.interrupt_main if interrupt else stop.set).start()
+        start = time.monotonic()
+        if interrupt:
+            with pytest.raises(KeyboardInterrupt):
+                orvwebpage.estimate(url + "/", delay=delay)
+        else:
+            assert orvwebpage.estimate(url + "/", delay=delay, stop=stop).stopped
+        assert time.monotonic() - start < 2.5
+
+
 @pytest.mark.parametrize("kwargs,error", [
     ({"url": 5}, TypeError),
     ({"url": "http://127.0.0.1:1/", "timeout": "slow"}, TypeError),
