@@ -6,6 +6,7 @@
 
 #include "Command.h"
 #include "JsonOutput.h"
+#include "PageMemory.h"
 #include "PageSource.h"
 #include "ShownText.h"
 #include "orvwebpage/OrvHtml.h"
@@ -26,9 +27,11 @@ using TextClasses = std::vector<std::vector<std::string>>;
 // Texts are copied out while the document is open; the classes only point
 // into it.
 TextClasses ClassifyPage(std::string page, const std::string& contentType) {
+  CheckPageMemory(page);
   OrvHtml doc;
   if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
     throw CommandError("cannot parse the page");
+  std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
   OrvWebPageVisibleNodes nodes;
   nodes.ClassifyNodes(doc.root);
   TextClasses classes;
