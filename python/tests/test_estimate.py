@@ -1,12 +1,15 @@
 import _thread
 import contextlib
 import http.server
+import json
+import pickle
+import subprocess
 import threading
 import time
 
 import orvwebpage
 import pytest
-from conftest import tool_estimate
+from conftest import BIN_DIR, tool_estimate
 
 
 @pytest.mark.parametrize("profile", ["example", "offset", "single"])
@@ -140,6 +143,31 @@ def test_a_stop_ends_the_request_in_flight_and_the_delay(handle, delay, interrup
         else:
             assert orvwebpage.estimate(url + "/", delay=delay, stop=stop).stopped
         assert time.monotonic() - start < 2.5
+# The explanation holds what --explain --json gives, field for field, and
+# pickles whole; hosts confine the crawl as --hosts does.
+@pytest.mark.parametrize("profile", ["example", "offset"])
+def test_explanation_and_hosts_equal_the_tools(sample_site, profile):
+    site = sample_site("--profile", profile)
+    out = subprocess.run([str(BIN_DIR / "orvwebpage"), "estimate", "--json", "--explain",
+                          "--hosts", "127.0.0.1", site.url],
+                         capture_output=True, text=True, timeout=120, check=True).stdout
+    want = json.loads(out)
+    result = orvwebpage.estimate(site.url, hosts=["127.0.0.1"], explain=True)
+    assert (result.estimate, result.requests) == (want["estimate"], want["requests"])
+    assert [dict(zip(s.__match_args__, s)) for s in result.shapes] == want["shapes"]
+    listings = [dict(zip(ls.__match_args__, ls), probes=[dict(zip(p.__match_args__, p))
+                                                         for p in ls.probes])
+                for ls in result.listings]
+    for listing in want["listings"]:
+        listing["last_page"] = listing.pop("lastPage")
+    assert listings == want["listings"] and listings
+    again = pickle.loads(pickle.dumps(result))
+    assert [tuple(again) + (again.bytes, again.seconds, again.stopped, again.shapes,
+                            again.listings)] == \
+        [tuple(result) + (result.bytes, result.seconds, result.stopped, result.shapes,
+                          result.listings)]
+    assert orvwebpage.estimate(site.url).shapes is None
+    assert tuple(orvwebpage.estimate(site.url, hosts="elsewhere.test,*.other.test")) == (0, 0)
 
 
 @pytest.mark.parametrize("kwargs,error", [
@@ -153,6 +181,8 @@ def test_a_stop_ends_the_request_in_flight_and_the_delay(handle, delay, interrup
     ({"url": "http://127.0.0.1:1/", "delay": -1}, ValueError),
     ({"url": "http://127.0.0.1:1/", "user_agent": "a\nb"}, ValueError),
     ({"url": "http://127.0.0.1:1/", "user_agent": "x" * 256}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "hosts": ["bad host!"]}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "hosts": [5]}, TypeError),
 ])
 def test_misuse(kwargs, error):
     with pytest.raises(error):
@@ -161,3 +191,25 @@ def test_misuse(kwargs, error):
 
 def test_nothing_to_read_gives_zero():
     assert tuple(orvwebpage.estimate("http://127.0.0.1:1/", timeout=5)) == (0, 1)
+
+
+# Budgets bind per call even when the calls overlap; robots.txt is one of
+# the requests unless turned off.
+def test_overlapping_calls_keep_their_own_budgets(sample_site):
+    site = sample_site("--profile", "mixed", "--pages", "2000")
+    budgets = [1, 2, 3, 5, 8, 13]
+    got = {}
+
+    def run(budget, obey):
+        result = orvwebpage.estimate(site.url, max_requests=budget, delay=0.02,
+                                     obey_robots=obey)
+        got[(budget, obey)] = result.requests
+
+    threads = [threading.Thread(target=run, args=(b, o)) for b in budgets for o in (True, False)]
+    for t in threads:
+        t.start()
+    for t in threads:
+        t.join()
+    assert got == {(b, o): b for b in budgets for o in (True, False)}
+    alone = orvwebpage.estimate(site.url, obey_robots=False)
+    assert orvwebpage.estimate(site.url).requests == alone.requests + 1

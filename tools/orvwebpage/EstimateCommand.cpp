@@ -5,23 +5,31 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "Command.h"
 #include "EstimateExplain.h"
+#include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "ShownText.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
@@ -30,7 +38,11 @@
 namespace {
 
 struct EstimateOptions {
-  std::string url;
+  std::string url;                // of the site in hand
+  std::vector<std::string> urls;  // as given, before those of --from
+  std::string from;               // a file of URLs, one a line; "-": stdin
+  int jobs = 1;                   // sites estimated at once
+  bool ignoreRobots = false;
   int64_t maxRequests = 0;  // 0: no budget
   double timeout = 0;       // seconds per request; 0: the HTTP layer's default
   double deadline = 0;      // seconds for the whole run; 0: none
@@ -40,35 +52,6 @@ struct EstimateOptions {
   bool json = false;
   bool explain = false;
 };
-
-// Longer limits than this are no limits for a crawl, and keep the
-// conversion to milliseconds far from overflow.
-constexpr double kMaxSeconds = 1e6;
-
-const CLI::Validator kSeconds(
-    [](std::string& text) -> std::string {
-      double value = 0;
-      size_t used = 0;
-      try {
-        value = std::stod(text, &used);
-      } catch (const std::exception&) {
-        return "not a number of seconds: " + text;
-      }
-      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
-        return "seconds must be a number above 0 and at most 1000000: " + text;
-      return "";
-    },
-    "SECONDS");
-
-const CLI::Validator kHeaderText(
-    [](std::string& text) -> std::string {
-      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
-        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
-      for (unsigned char c : text)
-        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
-      return "";
-    },
-    "TEXT");
 
 const CLI::Validator kHostPatterns(
     [](std::string& text) -> std::string {
@@ -103,6 +86,10 @@ std::string SiteDomainWarning(const std::string& entry) {
   if (domain.substr(0, domain.find(':')).find('.') != std::string::npos) return "";
 
   std::string line = "orvwebpage: warning: ";
+  // A www. in front helps only where the host is one label above a top
+  // level ("example.com"); elsewhere only --hosts confines the crawl.
+  bool www = host[0] != '[' && host.find('.') != std::string::npos &&
+             host.find('.') == host.rfind('.') && strncasecmp(host.c_str(), "www.", 4) != 0;
   if (domain.empty())
     line += "the site domain is empty (the entry host " + host +
             " has no dot), so links to every host are followed";
@@ -111,17 +98,10 @@ std::string SiteDomainWarning(const std::string& entry) {
             "every host containing it, and links to them are followed";
   size_t at = entry.find("://");
   at = at == std::string::npos ? at : entry.find(host, at + 3);
-  if (host[0] != '[' && at != std::string::npos)
-    line += "; try " + entry.substr(0, at) + "www." + entry.substr(at) +
-            " (or another first label), or confine requests with --hosts";
-  else
-    line += "; confine requests with --hosts";
+  line += "; confine requests with --hosts " + host;
+  if (www && at != std::string::npos)
+    line += ", or start from " + entry.substr(0, at) + "www." + entry.substr(at);
   return line;
-}
-
-int32_t Milliseconds(double seconds) {
-  double ms = std::ceil(seconds * 1000);
-  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
 }
 
 std::string FormatSeconds(double seconds) {
@@ -138,8 +118,10 @@ struct EstimateRun {
   int64_t fetches = 0;  // requests that started a fetch: a redirect chain counts once
   int64_t bytes = 0;
   bool spent = false;
+  bool interrupted = false;
   double seconds = 0;
   Explanation explanation;
+  std::vector<std::string> robotsRefused;
 };
 
 OrvHttpSettings LimitsOf(const EstimateOptions& o) {
@@ -149,6 +131,7 @@ OrvHttpSettings LimitsOf(const EstimateOptions& o) {
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
+  settings.obeyRobots = o.ignoreRobots ? 0 : 1;
   return settings;
 }
 
@@ -165,16 +148,89 @@ void ShowProgress(const OrvHttpProgress& p, void* context) {
                       probing ? "probing a listing" : "crawling");
 }
 
-EstimateRun Estimate(const EstimateOptions& o) {
+// Ctrl-C cuts every estimate in hand short and starts no other: the handler
+// only sets a flag, and a watcher thread stops the estimators and their
+// requests in flight, so the estimates made so far are printed.
+volatile std::sig_atomic_t interrupted = 0;
+
+void OnInterrupt(int) { interrupted = 1; }
+
+struct Active {
+  OrvWebPageCountEstimate* estimator;
+  OrvHttpRun* run;
+};
+std::mutex activeLock;
+std::vector<Active> active;
+bool stopping = false;  // under activeLock: the watcher has stopped them all
+
+void StopActive(const Active& a) {
+  a.estimator->StopEstimating();
+  a.run->Stop();
+}
+
+class InterruptWatch {
+ public:
+  InterruptWatch() {
+    interrupted = 0;
+    struct sigaction action = {};
+    action.sa_handler = OnInterrupt;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &previous);
+    watcher = std::thread([this] {
+      while (!done.load()) {
+        if (interrupted) {
+          std::lock_guard<std::mutex> hold(activeLock);
+          stopping = true;
+          for (const Active& a : active) StopActive(a);
+          return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+    });
+  }
+  ~InterruptWatch() {
+    done = true;
+    watcher.join();
+    sigaction(SIGINT, &previous, nullptr);
+  }
+
+ private:
+  struct sigaction previous = {};
+  std::atomic<bool> done{false};
+  std::thread watcher;
+};
+
+// Known to the watcher while it lives.
+class ActiveEstimate {
+ public:
+  ActiveEstimate(OrvWebPageCountEstimate& estimator, OrvHttpRun& run) : me{&estimator, &run} {
+    std::lock_guard<std::mutex> hold(activeLock);
+    if (stopping) StopActive(me);
+    active.push_back(me);
+  }
+  ~ActiveEstimate() {
+    std::lock_guard<std::mutex> hold(activeLock);
+    for (size_t i = 0; i < active.size(); i++)
+      if (active[i].estimator == me.estimator) active.erase(active.begin() + long(i));
+  }
+
+ private:
+  Active me;
+};
+
+// On the calling thread's run, which it sets up from o.
+EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& httpRun) {
   OrvWebPageCountEstimate estimator;
+  ActiveEstimate known(estimator, httpRun);
   std::unique_ptr<Progress> progress;
-  if (isatty(STDERR_FILENO)) {
+  if (showProgress && isatty(STDERR_FILENO)) {
     progress.reset(new Progress{.estimator = &estimator});
     OrvHttpLimits::SetProgress(ShowProgress, progress.get());
   }
 
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
-  std::string warning = SiteDomainWarning(o.url);
+  // With --hosts the crawl is confined already.
+  std::string warning = o.hosts.empty() ? SiteDomainWarning(o.url) : "";
   if (!warning.empty()) std::cerr << ShownText(warning) << std::endl;
 
   OrvHttpLimits::ResetCounters();
@@ -189,54 +245,152 @@ EstimateRun Estimate(const EstimateOptions& o) {
   run.fetches = OrvHttpLimits::GetFetches();
   run.bytes = OrvHttpLimits::GetBytes();
   run.spent = OrvHttpLimits::IsSpent() != 0;
+  run.interrupted = interrupted != 0;
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
     progress->line.Clear();
   }
   if (o.explain) run.explanation = ReadExplanation(estimator);
+  OrvStrArray refused;
+  OrvHttpLimits::GetRobotsRefused(refused);
+  for (int32_t i = 0; i < refused.count; i++) run.robotsRefused.emplace_back(refused[i]);
   return run;
 }
 
-void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
-  bool wrapped = run.exact != run.estimate;
-  if (wrapped)
-    std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
-                 "summed in 64 bits it is "
-              << run.exact << " pages" << std::endl;
+std::string Dump(const nlohmann::ordered_json& doc) {
+  return doc.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
   if (o.json) {
     nlohmann::ordered_json out;
     out["url"] = o.url;
     out["estimate"] = run.estimate;
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
-    if (wrapped) out["wrapped"] = true;
+    if (run.exact != run.estimate) out["wrapped"] = true;
+    if (run.interrupted) {
+      out["partial"] = true;
+      out["reason"] = "interrupted";
+    }
+    if (!run.robotsRefused.empty()) out["robots_refused"] = run.robotsRefused;
     if (o.explain) AddExplanation(run.explanation, out);
-    PrintJson(out, kOneLine);
-    return;
+    return Dump(out);
   }
-  std::cout << "url:      " << ShownText(o.url) << "\n"
-            << "estimate: " << run.estimate << " pages\n"
-            << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
-            << "seconds:  " << FormatSeconds(run.seconds) << "\n";
-  if (o.explain) PrintExplanation(run.explanation, std::cout);
+  std::ostringstream text;
+  text << "url:      " << ShownText(o.url) << "\n"
+       << "estimate: " << run.estimate << " pages\n"
+       << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
+       << "seconds:  " << FormatSeconds(run.seconds) << "\n";
+  if (run.interrupted) text << "partial:  interrupted\n";
+  if (o.explain) {
+    for (const std::string& url : run.robotsRefused)
+      text << "robots.txt refused: " << ShownText(url) << "\n";
+    PrintExplanation(run.explanation, text);
+  }
+  return text.str();
 }
 
-int RunEstimate(const EstimateOptions& o) {
-  EstimateRun run = Estimate(o);
-  // Nothing could be read when the estimate is 0 and at most the entry was
-  // asked for (its redirects included). A read entry page can give 0 as well
-  // (a listing whose pages hold no crawlable link), but finding that
-  // listing's last page takes probes, so such a run has fetched more pages.
-  if (run.estimate == 0 && run.fetches <= 1)
-    throw CommandError(
-        "cannot read " + o.url +
-        (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty()
-             ? ": its host is not among --hosts"
-         : run.spent ? ": the deadline or the request budget ran out first"
-                     : ": no readable page came back"));
-  PrintRun(o, run);
-  return 0;
+// Why nothing could be read, or empty when the run read something. Nothing
+// could be read when the estimate is 0 and at most the entry was asked for
+// (its redirects included). A read entry page can give 0 as well (a listing
+// whose pages hold no crawlable link), but finding that listing's last page
+// takes probes, so such a run has fetched more pages.
+std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
+  if (run.interrupted || run.estimate != 0 || run.fetches > 1) return "";
+  if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty())
+    return "its host is not among --hosts";
+  return LastFailure(run.spent ? "the deadline or the request budget ran out first"
+                               : "no readable page came back");
+}
+
+// One site in a run of its own, bound to the calling thread. Gives its
+// output, or sets error to why nothing could be read.
+std::string EstimateSite(EstimateOptions o, const std::string& url, bool showProgress,
+                         std::string& error) {
+  o.url = url;
+  OrvHttpRun httpRun;
+  httpRun.Bind();
+  EstimateRun run = Estimate(o, showProgress, httpRun);
+  error = FailureOf(o, run);
+  if (error.empty() && run.exact != run.estimate)
+    std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
+                 "summed in 64 bits it is " +
+                     std::to_string(run.exact) + " pages\n";
+  if (error.empty()) return RunText(o, run);
+  if (!o.json) return "url:      " + ShownText(url) + "\nerror:    " + ShownText(error) + "\n";
+  nlohmann::ordered_json out;
+  out["url"] = url;
+  out["error"] = error;
+  return Dump(out);
+}
+
+int RunEstimate(EstimateOptions& o) {
+  std::vector<std::string> urls = o.urls;
+  if (!o.from.empty())
+    ForEachInputLine(ReadInput(o.from), [&](std::string_view line) {
+      // Blanks around a URL are no part of it; a blank line names no site.
+      size_t first = line.find_first_not_of(" \t"), last = line.find_last_not_of(" \t");
+      if (first != std::string_view::npos) urls.emplace_back(line.substr(first, last - first + 1));
+    });
+  if (urls.empty() && o.from.empty()) {
+    std::cerr << "orvwebpage: URL is required" << std::endl;  // a usage error, like CLI11's
+    return 2;
+  }
+  if (urls.empty()) throw CommandError("no URL in " + o.from);
+  InterruptWatch watch;
+  if (urls.size() == 1 && o.from.empty()) {
+    std::string error;
+    std::string text = EstimateSite(o, urls[0], true, error);
+    if (!error.empty()) throw CommandError(urls[0], error, o.json);
+    std::cout << text;
+    return interrupted ? 130 : 0;
+  }
+
+  // Sites are taken in input order by the workers and printed in that order
+  // as soon as each one and those before it are done.
+  struct Site {
+    std::string text, error;
+    bool done = false;
+  };
+  std::vector<Site> sites(urls.size());
+  std::mutex lock;
+  size_t next = 0, printed = 0;
+  bool failed = false;
+  auto work = [&] {
+    for (;;) {
+      size_t i;
+      {
+        std::lock_guard<std::mutex> hold(lock);
+        if (next >= urls.size() || interrupted) return;
+        i = next++;
+      }
+      std::string error;
+      std::string text = EstimateSite(o, urls[i], false, error);
+      std::lock_guard<std::mutex> hold(lock);
+      sites[i].text = std::move(text);
+      sites[i].error = std::move(error);
+      sites[i].done = true;
+      for (; printed < sites.size() && sites[printed].done; printed++) {
+        Site& site = sites[printed];
+        if (!site.error.empty()) {
+          failed = true;
+          std::cerr << "orvwebpage: cannot read " << urls[printed] << ": " << site.error
+                    << std::endl;
+        }
+        if (!o.json && printed > 0) std::cout << "\n";
+        std::cout << site.text << std::flush;
+        site.text.clear();
+      }
+    }
+  };
+  size_t workers = std::min(urls.size(), size_t(o.jobs));
+  std::vector<std::thread> threads;
+  for (size_t i = 1; i < workers; i++) threads.emplace_back(work);
+  work();
+  for (std::thread& t : threads) t.join();
+  return interrupted ? 130 : failed ? 1 : 0;
 }
 
 }  // namespace
@@ -245,19 +399,26 @@ Command AddEstimateCommand(CLI::App& parent) {
   auto* app = parent.add_subcommand("estimate",
                                     "Estimate how many pages a site holds, crawling it from URL");
   auto o = std::make_shared<EstimateOptions>();
-  app->add_option("URL", o->url, "entry URL of the site")->required();
+  app->add_option("URL", o->urls, "entry URL of a site; several are estimated one after another");
+  app->add_option("--from", o->from, "also read entry URLs from FILE, one a line (- for stdin)")
+      ->type_name("FILE");
+  app->add_option("--jobs", o->jobs, "estimate N sites at once, each with its own limits")
+      ->transform(WholeNumber(1, 256, "N"));
+  app->add_flag("--ignore-robots", o->ignoreRobots,
+                "do not read robots.txt, nor keep to what it refuses");
   app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
-      ->check(CLI::PositiveNumber);
+      ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
   app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
-      ->check(CLI::Range(0, INT32_MAX));
+      ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
       ->check(kHostPatterns);
-  app->add_flag("--json", o->json, "print one JSON document: url, estimate, requests, seconds");
+  app->add_flag("--json", o->json,
+                "print one JSON document a site, one a line: url, estimate, requests, seconds");
   app->add_flag("--explain", o->explain,
                 "also print what the estimate is made of: its shapes, and each listing's pager "
                 "and probes");

@@ -47,7 +47,7 @@ std::string Megabytes(uint64_t bytes) { return std::to_string((bytes + (1 << 20)
 void CheckPageMemory(std::string_view page) {
   uint64_t tags = 0;
   for (const char *p = page.data(), *end = p + page.size();
-       (p = static_cast<const char*>(std::memchr(p, '<', size_t(end - p)))) != nullptr; p++)
+       (p = static_cast<const char *>(std::memchr(p, '<', size_t(end - p)))) != nullptr; p++)
     tags++;
   uint64_t needed = kPageCopies * page.size() + kBytesPerTag * tags;
   uint64_t left = std::min(AddressSpaceLeft(), AvailableSystemMemory());
