@@ -44,7 +44,8 @@ class OrvSitemapSize {
   void SetLimits(const OrvSitemapLimits& limits);
 
   // Reads the sitemaps of the site of entryUrl: the Sitemap lines of its
-  // robots.txt and the hints (sitemaps a page links with rel="sitemap"); when
+  // robots.txt and the hints (sitemaps a page links with rel="sitemap",
+  // absolute URLs or paths from the root, resolved by the caller); when
   // none of them is a sitemap, /sitemap.xml, /sitemap_index.xml and
   // /wp-sitemap.xml in turn until one is. Makes at most maxFetches OrvHttp
   // calls. Replaces what an earlier Read found.
