@@ -62,10 +62,9 @@ class OrvSitemapSize {
 
   int32_t FileCount() const;
   const OrvSitemapFile& File(int32_t i) const;  // out of range: an empty record
-  // Why robots.txt gave no sitemaps, empty when it was read or absent (404).
-  const OrvString& RobotsProblem() const;
 
-  // OrvHttp calls made, and the requests they sent (redirect hops included).
+  // Fetches made (robots.txt once, when this read sent it), and the requests
+  // sent (redirect hops included).
   int32_t Fetches() const;
   int32_t Requests() const;
 
