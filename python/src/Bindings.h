@@ -9,6 +9,7 @@ void AddLinks(pybind11::module_& m);
 void AddSearch(pybind11::module_& m);
 void AddNodes(pybind11::module_& m);
 void AddEstimate(pybind11::module_& m);
+void AddPageLinks(pybind11::module_& m);
 
 // A tuple type with named fields (a struct sequence); the first `visible`
 // fields make the tuple, the others are attributes only.
