@@ -24,9 +24,6 @@ namespace {
 
 PyTypeObject* resultType = nullptr;
 
-// The HTTP limits and counters belong to the process: one estimate at a time.
-std::mutex processEstimate;
-
 constexpr double kMaxSeconds = 1e6;
 constexpr auto kSlice = std::chrono::milliseconds(50);
 
@@ -39,9 +36,16 @@ int32_t Milliseconds(const std::optional<double>& seconds, const char* what, boo
   return int32_t(std::ceil(s * 1000));
 }
 
-OrvHttpSettings MakeSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
-                             std::optional<double> deadline, std::optional<double> delay,
-                             const std::optional<std::string>& userAgent) {
+}  // namespace
+
+std::mutex& ProcessHttpLock() {
+  static std::mutex lock;
+  return lock;
+}
+
+OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
+                                 std::optional<double> deadline, std::optional<double> delay,
+                                 const std::optional<std::string>& userAgent) {
   OrvHttpSettings settings;
   if (maxRequests) {
     if (*maxRequests < 1) throw py::value_error("max_requests must be at least 1");
@@ -61,6 +65,8 @@ OrvHttpSettings MakeSettings(std::optional<int64_t> maxRequests, std::optional<d
   return settings;
 }
 
+namespace {
+
 // What the worker and the waiting caller share; the worker may outlive
 // nothing of it, since the caller always joins.
 struct Crawl {
@@ -75,7 +81,7 @@ struct Crawl {
   double seconds = 0;
 
   void Run() {
-    std::lock_guard<std::mutex> only(processEstimate);
+    std::lock_guard<std::mutex> only(ProcessHttpLock());
     {
       std::lock_guard<std::mutex> guard(lock);
       if (!stopRequested) {
@@ -126,7 +132,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
-  crawl->settings = MakeSettings(maxRequests, timeout, deadline, delay, userAgent);
+  crawl->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent);
 
   std::thread worker([crawl] { crawl->Run(); });
   std::optional<py::error_already_set> failure;
