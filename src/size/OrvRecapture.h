@@ -1,10 +1,11 @@
 #pragma once
 
-// How many there are of something seen on a sample of pages, from how often
-// the same ones recur: the bias-corrected Chao1 estimator, with its
-// log-normal 95% interval. f1 and f2 count the things seen on exactly one and
-// exactly two pages; seen is all the distinct ones.
+// How many there are of something seen on two samples of pages, from how
+// many of those seen on the one are seen on the other: Chapman's form of the
+// two-sample capture-recapture estimate, with a normal 95% interval. n1 and
+// n2 count the distinct things each sample saw, both how many both saw.
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -12,23 +13,21 @@ struct OrvRecapture {
   double estimate = 0, low = 0, high = 0;
 };
 
-inline OrvRecapture OrvChao1(int64_t seen, int64_t f1, int64_t f2) {
+inline OrvRecapture OrvChapman(int64_t n1, int64_t n2, int64_t both) {
   OrvRecapture r;
-  r.estimate = r.low = r.high = double(seen);
-  if (seen <= 0 || f1 <= 0) return r;
-  double a = double(f1), b = double(f2);
-  double unseen = a * (a - 1) / (2 * (b + 1));
-  double var = a * (a - 1) / (2 * (b + 1)) +
-               a * (2 * a - 1) * (2 * a - 1) / (4 * (b + 1) * (b + 1)) +
-               a * a * (a - 1) * (a - 1) / (4 * std::pow(b + 1, 4));
-  r.estimate = double(seen) + unseen;
-  if (unseen <= 0) {
-    // Nothing left unseen by the estimator; the interval still allows a few.
-    r.high = double(seen) + std::sqrt(var);
+  double a = double(n1), b = double(n2), m = double(std::min({both, n1, n2}));
+  double seen = a + b - m;
+  r.estimate = r.low = r.high = seen;
+  if (n1 <= 0 || n2 <= 0) {
+    // One sample alone says nothing of what it missed.
+    r.high = seen * 2;
     return r;
   }
-  double k = std::exp(1.96 * std::sqrt(std::log(1 + var / (unseen * unseen))));
-  r.low = double(seen) + unseen / k;
-  r.high = double(seen) + unseen * k;
+  double n = (a + 1) * (b + 1) / (m + 1) - 1;
+  double var = (a + 1) * (b + 1) * (a - m) * (b - m) / ((m + 1) * (m + 1) * (m + 2));
+  double half = 1.96 * std::sqrt(var);
+  r.estimate = std::max(seen, n);
+  r.low = std::max(seen, n - half);
+  r.high = std::max(r.estimate, n + half);
   return r;
 }

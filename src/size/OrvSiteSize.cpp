@@ -152,8 +152,10 @@ void OrvSiteSizeImpl::Combine() {
       sitemapTrusted = true;
       source = ORV_SIZE_SITEMAP;
       pages = mapPages + extra;
-      low = mapLow + extraLow;
-      high = mapHigh + extraHigh;
+      // A sitemap read whole is exact about what it lists, not about the pages
+      // it leaves out: archives, feeds of pages, pages of other kinds.
+      low = std::min(mapLow + extraLow, pages * 0.9);
+      high = std::max(mapHigh + extraHigh, pages * 1.2);
       reason = extra > 0 ? "with the listing pages it leaves out" : "read whole or sampled";
       return;
     }

@@ -1,5 +1,6 @@
 #include "size/OrvSizeCrawl.h"
 
+#include <climits>
 #include <cstring>
 
 #include "orvwebpage/OrvHtml.h"
@@ -95,6 +96,7 @@ int32_t OrvSizeCrawl::Fetch(int32_t url, bool probe, long* status) {
     if (record.lastPage != pageNo) {
       record.lastPage = pageNo;
       record.pagesSeen++;
+      record.halves |= uint8_t(1u << (pageNo & 1));
       page.links.push_back(linked);
     }
   }
@@ -118,19 +120,27 @@ bool OrvSizeCrawl::IsPagerPage(std::string_view local) const {
   return false;
 }
 
+// The shape read least so far first; within it a URL drawn at random, the
+// same from run to run, so that the pages read sample the whole site and not
+// only the neighbourhood of the entry.
 int32_t OrvSizeCrawl::NextToExplore() const {
-  int32_t best = -1;
-  int32_t bestFetched = 0;
+  int32_t fewest = INT32_MAX;
+  OrvSizeList<int32_t> candidates;
   for (size_t i = 0; i < urls.size(); ++i) {
     const UrlRecord& record = urls[i];
     if (record.state != 0) continue;
     int32_t fetched = shapeTable[size_t(record.shape)].fetched;
-    if (best >= 0 && fetched >= bestFetched) continue;
+    if (fetched > fewest) continue;
     if (IsPagerPage(record.local)) continue;
-    best = int32_t(i), bestFetched = fetched;
-    if (fetched == 0) break;
+    if (fetched < fewest) candidates.clear(), fewest = fetched;
+    candidates.push_back(int32_t(i));
   }
-  return best;
+  if (candidates.empty()) return -1;
+  // The entry's own links come first: the site's sections.
+  if (fewest == 0) return candidates.front();
+  uint64_t draw = (uint64_t(pagesRead) + 1) * 0x9E3779B97F4A7C15ull;
+  draw ^= draw >> 29;
+  return candidates[size_t(draw % candidates.size())];
 }
 
 void OrvSizeCrawl::Explore(int64_t untilRequests) {

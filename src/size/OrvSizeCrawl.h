@@ -9,6 +9,7 @@
 
 #include <atomic>
 
+#include "size/OrvRecapture.h"
 #include "size/OrvSizePager.h"
 
 struct OrvSizeProbeRecord {
@@ -23,7 +24,8 @@ struct OrvSizeListingRecord {
   OrvSizeText firstUrl;   // page 1 of the probed listing
   OrvSizeText pattern;    // its other pages, "{}" for the number
   OrvSizeText family;     // shape of its page 1: the listings of this kind
-  OrvSizeText itemShape;  // the shape of the links its pages list
+  OrvSizeText itemShape;  // the shape of the links its pages list, first directory loose
+  OrvSizeList<OrvSizeText> itemShapes;  // the shapes met that it stands for
   int64_t step = 1, offset = 1;
   int64_t shownLast = 0;  // highest page its first pages link
   int64_t lastPage = 0, lastLow = 0, lastHigh = 0;
@@ -73,6 +75,7 @@ class OrvSizeCrawl {
     int32_t pagesSeen = 0;
     int32_t lastPage = -1;  // the last page it was seen on, so each page counts once
     int8_t state = 0;       // 0 not fetched, 1 a page, 2 failed or not a page
+    uint8_t halves = 0;     // 1: seen on an even-numbered page read, 2: on an odd one
   };
   struct PageRecord {
     int32_t url = -1;
@@ -99,6 +102,7 @@ class OrvSizeCrawl {
   bool IsGoodProbe(const OrvSizeListingRecord& listing, int32_t page, int64_t number) const;
   void CountItems(OrvSizeListingRecord& listing);
   void CountFamily(OrvSizeListingRecord& listing);
+  OrvRecapture Recapture(const ShapeRecord& table) const;
   void Sum();
 
   OrvSizeText entryUrl;  // as given

@@ -101,7 +101,7 @@ bool OrvIsNextLabel(const char* text, long length) {
   if (HasWord(label, "next") || HasWord(label, "older") || HasWord(label, "nächste") ||
       HasWord(label, "suivant"))
     return true;
-  // Arrows alone: >, >>, », ›, →, with blanks.
+  // Arrows alone, with blanks.
   bool arrow = false;
   for (size_t i = 0; i < label.size();) {
     std::string_view rest = label.substr(i);
@@ -111,8 +111,12 @@ bool OrvIsNextLabel(const char* text, long length) {
       arrow = true, ++i;
     } else if (rest.starts_with("\xC2\xBB")) {
       arrow = true, i += 2;
-    } else if (rest.starts_with("\xE2\x80\xBA") || rest.starts_with("\xE2\x86\x92")) {
-      arrow = true, i += 3;
+    } else if (rest[0] == '\xBB') {
+      arrow = true, ++i;  // a page read as bytes keeps Latin-1's one
+    } else if (rest.starts_with("\xE2\x80\xBA") || rest.starts_with("\xE2\x86\x92") ||
+               rest.starts_with("\xE2\x87\x92") || rest.starts_with("\xE2\x87\x89") ||
+               rest.starts_with("\xE2\x89\xAB")) {
+      arrow = true, i += 3;  // › → ⇒ ⇉ ≫
     } else {
       return false;
     }

@@ -22,15 +22,15 @@ OrvSizeText FamilyOfPattern(const OrvSizeText& pattern) {
 }  // namespace
 
 // A "next" link alone also stands on articles that lead to the next one; a
-// listing page shows items too: several links of one shape that are not the
-// site's frame.
+// listing page shows items too: several links of one shape other than its own.
 bool OrvSizeCrawl::ListsItems(const PageRecord& page) const {
-  int32_t frame = std::max<int32_t>(3, int32_t(double(pagesRead) * 0.3));
+  const OrvSizeText& own = shapeTable[size_t(urls[size_t(page.url)].shape)].key;
+  OrvSizeText pagerShape = FamilyOfPattern(page.pager.pattern);
   OrvSizeTextMap<int32_t> perShape;
   for (int32_t linked : page.links) {
-    const UrlRecord& u = urls[size_t(linked)];
-    if (u.pagesSeen >= frame || OrvMatchPattern(page.pager.pattern, u.local) >= 0) continue;
-    if (++perShape[shapeTable[size_t(u.shape)].key] >= kLeastItems) return true;
+    const OrvSizeText& shape = shapeTable[size_t(urls[size_t(linked)].shape)].key;
+    if (shape == own || shape == pagerShape) continue;
+    if (++perShape[shape] >= kLeastItems) return true;
   }
   return false;
 }
@@ -124,6 +124,17 @@ void OrvSizeCrawl::ProbeListing(OrvSizeListingRecord& listing, int64_t untilRequ
       bad = number;
     }
   }
+  // One page inside the listing tells its items from the frame of the site.
+  int64_t middle = std::max<int64_t>(2, good / 2);
+  if (listing.deepPages.empty() && good >= 2 && !Spent() &&
+      OrvHttpLimits::GetRequests() - firstRequest < untilRequests) {
+    int32_t url = AddUrl(OrvFillPattern(listing.pattern, rule.ValueOf(middle)));
+    if (url >= 0 && urls[size_t(url)].state == 0) {
+      int32_t page = Fetch(url, true, nullptr);
+      if (IsGoodProbe(listing, page, std::min<int64_t>(middle, 2)))
+        listing.deepPages.push_back(page);
+    }
+  }
   listing.lastLow = good;
   if (bad < 0) {
     // Never past the end: at least what was seen, perhaps twice as much.
@@ -165,26 +176,41 @@ void OrvSizeCrawl::CountItems(OrvSizeListingRecord& listing) {
   if (samples.empty()) return;
 
   // The item shape: on pages deep in the listing, the links seen there and
-  // nowhere else; on its first page, the shape with most links off the frame.
-  OrvSizeList<int64_t> votes(shapeTable.size(), 0);
+  // hardly anywhere else; on its first page, the shape with most links off the frame.
+  // Sections name their items' first directory ("/wood/entry-5/",
+  // "/glass/entry-9/"): shapes that differ only there vote together.
+  OrvSizeTextMap<int64_t> votes;
   for (int32_t p : samples)
     for (int32_t linked : pageTable[size_t(p)].links) {
       const UrlRecord& u = urls[size_t(linked)];
-      bool counts = deep ? u.pagesSeen == 1 : u.pagesSeen < frame;
-      if (counts && !isPager(linked)) votes[size_t(u.shape)]++;
+      // An item stands on its listing page and perhaps on one archive's.
+      bool counts = deep ? u.pagesSeen <= 2 : u.pagesSeen < frame;
+      if (counts && !isPager(linked)) votes[OrvLooseShape(shapeTable[size_t(u.shape)].key)]++;
     }
-  size_t best = 0;
-  for (size_t s = 1; s < votes.size(); ++s)
-    if (votes[s] > votes[best]) best = s;
-  if (votes.empty() || votes[best] == 0) return;
-  listing.itemShape = shapeTable[best].key;
+  const OrvSizeText* best = nullptr;
+  int64_t most = 0;
+  for (const auto& [key, n] : votes)
+    if (n > most || (n == most && best && key < *best)) best = &key, most = n;
+  if (!best) return;
+  listing.itemShape = *best;
+  OrvSizeList<bool> isItem(shapeTable.size(), false);
+  for (int32_t p : samples)
+    for (int32_t linked : pageTable[size_t(p)].links) {
+      const UrlRecord& u = urls[size_t(linked)];
+      bool counts = deep ? u.pagesSeen <= 2 : u.pagesSeen < frame;
+      if (counts && !isPager(linked) &&
+          OrvLooseShape(shapeTable[size_t(u.shape)].key) == listing.itemShape)
+        isItem[size_t(u.shape)] = true;
+    }
+  for (size_t s = 0; s < isItem.size(); ++s)
+    if (isItem[s]) listing.itemShapes.push_back(shapeTable[s].key);
 
   OrvSizeList<int64_t> counts;
   for (int32_t p : samples) {
     int64_t n = 0;
     for (int32_t linked : pageTable[size_t(p)].links) {
       const UrlRecord& u = urls[size_t(linked)];
-      n += size_t(u.shape) == best && u.pagesSeen < frame && !isPager(linked);
+      n += isItem[size_t(u.shape)] && u.pagesSeen < frame && !isPager(linked);
     }
     // The last page may be short; it does not speak for the others.
     int64_t value = OrvMatchPattern(listing.pattern, urls[size_t(pageTable[size_t(p)].url)].local);
@@ -203,7 +229,6 @@ void OrvSizeCrawl::CountItems(OrvSizeListingRecord& listing) {
 void OrvSizeCrawl::CountFamily(OrvSizeListingRecord& listing) {
   // The listings of this kind that were read: their pages past the first as
   // their pagers show them, the probed one as its probes found.
-  OrvSizeText pagerShape = FamilyOfPattern(listing.pattern);
   double extra = 0, extraLow = 0, extraHigh = 0, items = 0;
   int64_t members = 0;
   for (const PageRecord& page : pageTable) {
@@ -217,7 +242,7 @@ void OrvSizeCrawl::CountFamily(OrvSizeListingRecord& listing) {
       extraLow += double(listing.lastLow - 1);
       extraHigh += double(listing.lastHigh - 1);
       items += listing.items;
-    } else if (page.hasPager && FamilyOfPattern(page.pager.pattern) == pagerShape) {
+    } else if (page.hasPager) {
       double last = double(page.pager.maxPage);
       extra += last - 1, extraLow += last - 1, extraHigh += last * 2 - 1;
       items += listing.itemsPerPage * (last - 0.5);

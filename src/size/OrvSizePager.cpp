@@ -21,6 +21,7 @@ struct Sighting {
   int64_t value;
   int64_t label;  // -1 when the label is no number
   bool next;
+  bool plain;  // the URL's last run of digits, not zero-padded
 };
 
 // How a group's numbered links map labels to values; false when they agree
@@ -67,7 +68,7 @@ bool OrvFindPager(const OrvSizeList<OrvSizeLink>& links, const OrvSizeList<OrvSi
     OrvNumberSlots(locals[i], slots);
     int64_t label = LabelNumber(links[i].label);
     for (OrvNumberSlot& slot : slots)
-      groups[slot.pattern].push_back({slot.value, label, links[i].next});
+      groups[slot.pattern].push_back({slot.value, label, links[i].next, slot.last && !slot.padded});
   }
   bool found = false;
   for (auto& [pattern, seen] : groups) {
@@ -77,18 +78,15 @@ bool OrvFindPager(const OrvSizeList<OrvSizeLink>& links, const OrvSizeList<OrvSi
     for (const Sighting& s : seen) candidate.hasNext |= s.next;
     if (!ruled) {
       if (!candidate.hasNext) continue;
-      // A lone "next": its number is page 2 seen from page 1, or one step on
-      // from the page in hand.
-      int64_t here = OrvMatchPattern(pattern, pageLocal);
+      // A lone "next" seen from the first page: page 2, or one offset on in a
+      // query. From a page of the pattern it is an article's next one.
+      if (OrvMatchPattern(pattern, pageLocal) >= 0) continue;
       int64_t value = 0;
       for (const Sighting& s : seen)
-        if (s.next) value = std::max(value, s.value);
-      if (here >= 0 && value > here) {
-        candidate.step = value - here;
-        candidate.offset = candidate.step == 1 ? 1 : here % candidate.step;
-      } else if (value == 2) {
+        if (s.next && s.plain && (value == 0 || s.value < value)) value = s.value;
+      if (value == 2) {
         candidate.step = 1, candidate.offset = 1;
-      } else if (value > 0) {
+      } else if (value > 2 && pattern.find("={}") != OrvSizeText::npos) {
         candidate.step = value, candidate.offset = 0;
       } else {
         continue;

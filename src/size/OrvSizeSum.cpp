@@ -7,6 +7,51 @@
 #include "size/OrvRecapture.h"
 #include "size/OrvSizeCrawl.h"
 
+namespace {
+
+// Fewer links of a shape than this never make a page an index of it.
+constexpr int32_t kLeastHubLinks = 8;
+
+}  // namespace
+
+// Two samples of a shape's URLs: the pages that list many of them (an
+// index, a start page) against the pages that mention a few; when the pages
+// read are not of both kinds, the pages read taken in turns.
+OrvRecapture OrvSizeCrawl::Recapture(const ShapeRecord& table) const {
+  OrvSizeList<int32_t> perPage(pageTable.size(), 0);
+  int32_t shapeNo = -1;
+  if (!table.urls.empty()) shapeNo = urls[size_t(table.urls[0])].shape;
+  for (size_t p = 0; p < pageTable.size(); ++p)
+    for (int32_t linked : pageTable[p].links) perPage[p] += urls[size_t(linked)].shape == shapeNo;
+  OrvSizeList<int32_t> linking;
+  for (int32_t n : perPage)
+    if (n > 0) linking.push_back(n);
+  std::sort(linking.begin(), linking.end());
+  int32_t hub = linking.empty() ? 0 : std::max(kLeastHubLinks, 2 * linking[linking.size() / 2]);
+  int32_t hubs = 0, others = 0;
+  for (int32_t n : perPage) hubs += n >= hub && n > 0, others += n > 0 && n < hub;
+  bool byHub = hubs > 0 && others > 0;
+
+  OrvSizeList<uint8_t> sides(urls.size(), 0);
+  for (size_t p = 0; p < pageTable.size(); ++p) {
+    if (perPage[p] == 0) continue;
+    uint8_t side = byHub ? (perPage[p] >= hub ? 1 : 2) : uint8_t(1u << (p & 1));
+    for (int32_t linked : pageTable[p].links)
+      if (urls[size_t(linked)].shape == shapeNo) sides[size_t(linked)] |= side;
+  }
+  int64_t first = 0, second = 0, both = 0, unsampled = 0;
+  for (int32_t no : table.urls) {
+    const UrlRecord& u = urls[size_t(no)];
+    if (u.state == 2 || IsPagerPage(u.local)) continue;
+    uint8_t side = sides[size_t(no)];
+    first += (side & 1) != 0, second += (side & 2) != 0, both += side == 3;
+    unsampled += side == 0;
+  }
+  OrvRecapture r = OrvChapman(first, second, both);
+  r.estimate += double(unsampled), r.low += double(unsampled), r.high += double(unsampled);
+  return r;
+}
+
 void OrvSizeCrawl::Sum() {
   shapes.clear();
   pages = low = high = 0;
@@ -14,20 +59,17 @@ void OrvSizeCrawl::Sum() {
   for (const ShapeRecord& table : shapeTable) {
     OrvSizeShapeRecord shape;
     shape.key = table.key;
-    int64_t f1 = 0, f2 = 0, failed = 0;
+    int64_t failed = 0;
     for (int32_t no : table.urls) {
       const UrlRecord& u = urls[size_t(no)];
       if (u.state == 2) {
         failed++;
         continue;
       }
-      if (IsPagerPage(u.local)) continue;
-      shape.seen++;
-      f1 += u.pagesSeen == 1;
-      f2 += u.pagesSeen == 2;
+      if (!IsPagerPage(u.local)) shape.seen++;
     }
     shape.fetched = table.fetched;
-    OrvRecapture r = OrvChao1(shape.seen, f1, f2);
+    OrvRecapture r = Recapture(table);
     // URLs of a shape that failed when fetched say the unread ones fail as often.
     double unseen = r.estimate - double(shape.seen);
     double share = table.fetched > 0 ? 1.0 - double(failed) / double(table.fetched) : 1.0;
@@ -63,24 +105,36 @@ void OrvSizeCrawl::Sum() {
       listing.itemsHigh = membersHigh * listing.memberItems * 1.5;
     }
   }
-  // A shape that listings list counts as the largest listing of it that
+  // The shapes that listings list count as the largest listing of them that
   // lists them all, or else the largest kind of listing: archives list the
   // same posts as the main listing, not others.
-  for (OrvSizeShapeRecord& shape : shapes) {
+  OrvSizeTextSet done;
+  for (const OrvSizeListingRecord& first : listings) {
+    if (first.itemShape.empty() || !done.insert(first.itemShape).second) continue;
     const OrvSizeListingRecord* single = nullptr;
     const OrvSizeListingRecord* many = nullptr;
+    OrvSizeTextSet members;
     for (const OrvSizeListingRecord& listing : listings) {
-      if (listing.itemShape != shape.key || listing.items <= 0) continue;
+      if (listing.itemShape != first.itemShape || listing.items <= 0) continue;
+      members.insert(listing.itemShapes.begin(), listing.itemShapes.end());
       const OrvSizeListingRecord*& slot = listing.members <= 1 ? single : many;
       if (!slot || listing.items > slot->items) slot = &listing;
     }
     const OrvSizeListingRecord* by = single ? single : many;
     if (!by) continue;
-    double seen = double(shape.seen);
-    shape.estimate = std::max(seen, by->items);
-    shape.low = std::max(seen, by->itemsLow);
-    shape.high = std::max(shape.estimate, by->itemsHigh);
-    shape.how = "listing items";
+    double seen = 0;
+    for (const OrvSizeShapeRecord& shape : shapes)
+      if (members.count(shape.key)) seen += double(shape.seen);
+    if (seen <= 0) continue;
+    // Shared out by what was seen of each.
+    for (OrvSizeShapeRecord& shape : shapes) {
+      if (!members.count(shape.key)) continue;
+      double part = double(shape.seen) / seen;
+      shape.estimate = std::max(double(shape.seen), by->items * part);
+      shape.low = std::max(double(shape.seen), by->itemsLow * part);
+      shape.high = std::max(shape.estimate, by->itemsHigh * part);
+      shape.how = "listing items";
+    }
   }
   for (const OrvSizeShapeRecord& shape : shapes)
     pages += shape.estimate, low += shape.low, high += shape.high;

@@ -140,6 +140,16 @@ OrvSizeText OrvShapeOf(std::string_view local) {
   return out;
 }
 
+OrvSizeText OrvLooseShape(std::string_view shape) {
+  size_t slash = shape.find('/');
+  size_t query = shape.find('?');
+  if (slash == std::string_view::npos || (query != std::string_view::npos && query < slash))
+    return OrvSizeText(shape);
+  OrvSizeText out("*");
+  out.append(shape.substr(slash));
+  return out;
+}
+
 void OrvNumberSlots(std::string_view local, OrvSizeList<OrvNumberSlot>& slots) {
   slots.clear();
   for (size_t i = 0; i < local.size();) {
@@ -154,6 +164,8 @@ void OrvNumberSlots(std::string_view local, OrvSizeList<OrvNumberSlot>& slots) {
       OrvNumberSlot slot;
       slot.pattern.append(local.substr(0, i)).append("{}").append(local.substr(end));
       for (size_t k = i; k < end; ++k) slot.value = slot.value * 10 + (local[k] - '0');
+      slot.padded = local[i] == '0' && end - i > 1;
+      slot.last = local.find_first_of("0123456789", end) == std::string_view::npos;
       slots.push_back(std::move(slot));
     }
     i = end;

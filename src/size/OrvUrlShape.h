@@ -21,11 +21,17 @@ bool OrvIsPageLike(std::string_view local);
 // ("*.php?id", "?paged").
 OrvSizeText OrvShapeOf(std::string_view local);
 
+// A shape whose first directory, when kept by name, is any name:
+// "wood/*/" and "glass/*/" both give "*/*/".
+OrvSizeText OrvLooseShape(std::string_view shape);
+
 // A local part with one run of digits taken out: "/page/{}/" and value 7 for
 // "/page/7/". Runs are counted from 0 in text order.
 struct OrvNumberSlot {
   OrvSizeText pattern;  // the text with "{}" where the digits stood
   int64_t value = 0;
+  bool padded = false;  // written with leading zeros ("02")
+  bool last = false;    // the last run of digits in the text
 };
 void OrvNumberSlots(std::string_view local, OrvSizeList<OrvNumberSlot>& slots);
 
