@@ -1,13 +1,17 @@
 // The URL record. Input: the first line is the entry URL, the rest (line
-// breaks included) is the URL, parsed in both modes, rebuilt and keyed.
+// breaks included) is the URL, parsed in both modes, rebuilt and keyed. The
+// parse that keeps the order must give the fields of the step-by-step one.
 
 #include <cstdint>
+#include <cstdlib>
+#include <string>
 
 #include "FuzzInput.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageUrl.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
+#include "support/UrlReference.h"
 
 namespace {
 
@@ -44,6 +48,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     url.url.CopyBuf(text.data(), long(text.size()));
     url.Parse(sort);
     sink = sink + TouchUrl(url);
+    if (sort == 0 && Fields(url) != ReferenceFields(std::string(text))) std::abort();
     OrvWebPageUrl::GetParamNames(names, url);
     sink = sink + FuzzTouch(names.buf, names.len);
     for (uint8_t level = 0; level < 5; level++) {

@@ -9,6 +9,7 @@
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvSys.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
+#include "orvwebpage/OrvVersion.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 #include "orvwebpage/OrvWebPageUrl.h"
 #include "orvwebpage/OrvWebPageUrls.h"

@@ -16,7 +16,7 @@ SOURCE_DIR = pathlib.Path(__file__).resolve().parents[2]
 BUILD_DIR = pathlib.Path(
     os.environ.get("ORV_BUILD_DIR", pathlib.Path(orvwebpage.__file__).resolve().parents[1]))
 BIN_DIR = BUILD_DIR / "bin"
-DATA_DIR = SOURCE_DIR.parent / "shared" / "data"
+DATA_DIR = SOURCE_DIR / "tests" / "data" / "real"
 EXAMPLES_DIR = SOURCE_DIR / "python" / "examples"
 
 

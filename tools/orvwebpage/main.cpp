@@ -2,6 +2,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "orvwebpage/OrvVersion.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"orvwebpage: what the shape of URLs, links and pages says about a site"};

@@ -43,3 +43,5 @@ std::unique_ptr<SiteProfile> MakeOlderOnlyProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeIndexPagerProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeRootQueryProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeWikiProfile(uint64_t seed);
+// The sitemap profiles (SitemapProfiles.cpp), by name; nullptr for another.
+std::unique_ptr<SiteProfile> MakeSitemapProfile(const std::string& name, uint64_t seed);

@@ -33,6 +33,17 @@ const std::vector<SiteProfileInfo>& SiteProfiles() {
       {"rootquery", "blog behind root queries: /?paged=N, /?p=ID, /?cat=N, whole posts, .php",
        false},
       {"wiki", "wiki of 12 namespaces under /wiki/, links between pages, no pager", false},
+      {"sitemap", "60 posts in 6 archives, all in /sitemap.xml, no robots.txt; 67 pages", false},
+      {"sitemap-index",
+       "1,200 posts in 60 archives; robots.txt names an index of 60 sitemaps; 1,261 pages", false},
+      {"sitemap-gzip", "150 posts in 10 archives; robots.txt names a gzip sitemap; 161 pages",
+       false},
+      {"sitemap-text", "80 posts in 4 archives; robots.txt names a text sitemap; 85 pages", false},
+      {"sitemap-robots",
+       "100 posts in 10 archives; robots.txt has Disallow lines and two sitemaps; 111 pages",
+       false},
+      {"sitemap-lies",
+       "300 posts in 30 archives; /sitemap.xml lists 100 of them and 100 gone; 331 pages", false},
   };
   return profiles;
 }
@@ -53,5 +64,6 @@ std::unique_ptr<SiteProfile> MakeSiteProfile(const std::string& name, uint64_t s
   if (name == "indexpager") return MakeIndexPagerProfile(seed);
   if (name == "rootquery") return MakeRootQueryProfile(seed);
   if (name == "wiki") return MakeWikiProfile(seed);
+  if (name.rfind("sitemap", 0) == 0) return MakeSitemapProfile(name, seed);
   return nullptr;
 }

@@ -9,6 +9,7 @@
 struct SiteRequest {
   std::string path;
   std::vector<std::pair<std::string, std::string>> params;
+  std::string root;  // "http://127.0.0.1:PORT" when served, for absolute URLs; else empty
 
   // The value of the first parameter of that name, or nullptr.
   const std::string* Param(const std::string& name) const;

@@ -124,12 +124,15 @@ int main(int argc, char** argv) {
   sigset_t stopSignals = BlockStopSignals();
 
   httplib::Server server;
+  std::string root;  // set once bound, before the first request
   server.set_keep_alive_max_count(1000);
   server.set_keep_alive_timeout(2);
   server.set_tcp_nodelay(true);  // small answers must not wait for the next ACK
   server.Get(".*", [&](const httplib::Request& request, httplib::Response& response) {
     log.Write(request.target);
-    SitePage page = profile->Serve(ParseTarget(request.target));
+    SiteRequest target = ParseTarget(request.target);
+    target.root = root;
+    SitePage page = profile->Serve(target);
     response.status = page.status;
     response.set_content(RenderPage(page), page.contentType.c_str());
   });
@@ -139,6 +142,7 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "cannot listen on 127.0.0.1 port %d\n", options.port);
     return 1;
   }
+  root = "http://127.0.0.1:" + std::to_string(bound);
   std::printf("http://127.0.0.1:%d/ %lld\n", bound, static_cast<long long>(truePages));
   std::fflush(stdout);
 

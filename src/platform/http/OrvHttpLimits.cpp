@@ -7,12 +7,9 @@
 #include <mutex>
 #include <thread>
 
+#include "orvwebpage/OrvVersion.h"
 #include "platform/http/OrvHostPatterns.h"
 #include "platform/http/OrvHttpGate.h"
-
-#ifndef ORV_VERSION
-#define ORV_VERSION "0.1.0"
-#endif
 
 namespace {
 
