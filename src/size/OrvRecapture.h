@@ -9,6 +9,9 @@
 #include <cmath>
 #include <cstdint>
 
+// The most a recapture figure may be, in times what was seen.
+constexpr double kMostUnseen = 2.5;
+
 struct OrvRecapture {
   double estimate = 0, low = 0, high = 0;
 };
@@ -23,11 +26,13 @@ inline OrvRecapture OrvChapman(int64_t n1, int64_t n2, int64_t both) {
     r.high = seen * 2;
     return r;
   }
-  double n = (a + 1) * (b + 1) / (m + 1) - 1;
+  // Samples that hardly meet say little more than "many more": the figure
+  // stays within a few times what was seen, the interval says the rest.
+  double n = std::min((a + 1) * (b + 1) / (m + 1) - 1, seen * kMostUnseen);
   double var = (a + 1) * (b + 1) * (a - m) * (b - m) / ((m + 1) * (m + 1) * (m + 2));
   double half = 1.96 * std::sqrt(var);
   r.estimate = std::max(seen, n);
   r.low = std::max(seen, n - half);
-  r.high = std::max(r.estimate, n + half);
+  r.high = std::max(r.estimate, std::min(n + half, seen * 2 * kMostUnseen));
   return r;
 }

@@ -53,7 +53,7 @@ void OrvSiteSizeImpl::Measure(const char* url, long length, int64_t maxRequests)
   if (!stopped && crawlBudget > 0) crawl.Run(url, length, crawlBudget);
   crawlRequests = crawl.Requests();
 
-  if (!stopped && checks) CheckSitemap(url, length);
+  if (!stopped && checks) CheckSitemap();
   if (!stopped) RunExact(url, length, first + maxRequests);
   requests = Used(first);
   Combine();
@@ -61,27 +61,22 @@ void OrvSiteSizeImpl::Measure(const char* url, long length, int64_t maxRequests)
 
 // A few listed pages fetched: a sitemap whose pages do not answer is not one
 // to trust.
-void OrvSiteSizeImpl::CheckSitemap(const char* url, long length) {
+// A few listed pages that the crawl did not meet are fetched: a sitemap whose
+// pages do not answer is not one to trust.
+void OrvSiteSizeImpl::CheckSitemap() {
   const OrvStrArray& sample = sitemaps.SampleUrls();
-  OrvString entry(url, length);
-  for (int32_t i = 0; i < sample.count && sitemapChecked < kSitemapChecks; ++i) {
+  for (int32_t i = 0; i < sample.count && sitemapChecked < kSitemapChecks && !stopped; ++i) {
     // Spread over the sample, which is spread over the files.
-    int32_t at = int32_t(int64_t(i) * sample.count / kSitemapChecks);
-    if (i >= kSitemapChecks || at >= sample.count) break;
+    int32_t at = int32_t((int64_t(i) * 7919) % sample.count);
     const char* listed = sample[at];
     long len = sample.GetStringLen(at);
     OrvSizeText local = OrvLocalPart(std::string_view(listed, size_t(len)));
-    if (!local.empty() && crawl.Saw(local) && sitemapChecked < kSitemapChecks) {
-      // The crawl met it as a link; that is a check without a request.
-      sitemapChecked++, sitemapCheckedGood++;
-      continue;
-    }
+    if (local.empty() || crawl.Saw(local)) continue;
     OrvHttp client;
     OrvString target(listed, len);
     sitemapChecked++;
     if (client.Run(target.buf, target.len, ORV_HTTP_GET) == ORV_HTTP_OK) sitemapCheckedGood++;
   }
-  (void)entry;
 }
 
 void OrvSiteSizeImpl::RunExact(const char* url, long length, int64_t until) {
@@ -138,12 +133,12 @@ void OrvSiteSizeImpl::Combine() {
       for (const OrvSizeShapeRecord& shape : crawl.Shapes())
         if (!sampleShapes.count(shape.key) && shape.estimate >= 0.05 * mapPages)
           extra += shape.estimate, extraLow += shape.low, extraHigh += shape.high;
-    bool pagesFail = sitemapChecked > 0 && sitemapCheckedGood * 2 < sitemapChecked;
+    bool pagesFail = sitemapChecked > 0 && sitemapCheckedGood * 2 <= sitemapChecked;
     // The crawl already saw more than the sitemap lists, or its listings
     // alone hold far more.
     double crawlSeen = 0;
     for (const OrvSizeShapeRecord& shape : crawl.Shapes()) crawlSeen += double(shape.seen);
-    bool tooFew = crawlSeen > 1.5 * (mapHigh + extraHigh) || crawlLow > 2 * (mapHigh + extraHigh);
+    bool tooFew = crawlSeen > 1.25 * (mapHigh + extraHigh) || crawlLow > 2 * (mapHigh + extraHigh);
     if (pagesFail) {
       reason = "the sitemap's pages do not answer";
     } else if (tooFew) {

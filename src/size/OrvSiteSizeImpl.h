@@ -10,7 +10,7 @@ class OrvSiteSizeImpl {
  public:
   void Measure(const char* url, long length, int64_t maxRequests);
   void Combine();
-  void CheckSitemap(const char* url, long length);
+  void CheckSitemap();
   void RunExact(const char* url, long length, int64_t until);
 
   std::atomic<bool> stopped{false};
