@@ -3,8 +3,8 @@
 # requests it makes over the site's true page count and its wall time beside
 # a full crawl of the same site by wget; then the estimate over the true count
 # for every profile of the site. With --real-site, as root, also the estimate
-# over a full wget crawl's count of a WordPress blog that bench/real-site.sh
-# installs and fills. Everything runs on 127.0.0.1.
+# over the true count (bench/real-sites.tsv, a full crawl) of the WordPress
+# blog that bench/real-site.sh installs and fills. Everything runs on 127.0.0.1.
 #
 #   bench/estimate.sh [--pages N] [--seed N] [--real-site]   (defaults: the site's own)
 set -euo pipefail
@@ -88,18 +88,12 @@ for profile in $profiles; do
   site_stop
 done
 
-# --- a real web application: its true count is what a full crawl reads --------
+# --- a real web application: its true count is what a full crawl read --------
 if [ "$real_site" = 1 ]; then
-  real_url=$(bench/real-site.sh)
-  access=/var/tmp/orvwebpage-real-site/access.log
+  real_url=$(bench/real-site.sh start wp-plain | awk '{ print $2 }')
   r=$("$tool" estimate --json --deadline "$limit" "$real_url") || r='{"estimate":0,"requests":0}'
-  : >"$access"
-  timeout "$limit" wget --spider -r -l inf -e robots=off --no-verbose --no-directories \
-    -P "$work/wget-real" -o "$work/wget-real.log" "$real_url" || true
-  # In spider mode wget asks for the body of pages only (and of style
-  # sheets, to read them for links); everything else it merely checks.
-  real_pages=$(awk '$1 == 200 && $2 == "GET" && $3 !~ /\.css/ { print $3 }' "$access" | sort -u | wc -l)
-  profile_rows+="wordpress $real_pages $(json_number estimate "$r") $(json_number requests "$r")"$'\n'
+  real_pages=$(awk -F'\t' '$1 == "wp-plain" { print $3 }' bench/real-sites.tsv)
+  profile_rows+="wordpress ${real_pages:-0} $(json_number estimate "$r") $(json_number requests "$r")"$'\n'
 fi
 
 # --- the table ---------------------------------------------------------------

@@ -18,6 +18,8 @@ enum ORV_HTTP_STATUS : int32_t {
   ORV_HTTP_BUDGET_SPENT = 6,  // request budget or run deadline spent; nothing was sent
   ORV_HTTP_HOST_REFUSED =
       7,  // the host is not one OrvHttpLimits::SetHosts allows; nothing was sent
+  ORV_HTTP_ROBOTS_REFUSED = 8,  // the site's robots.txt refuses the URL; nothing was sent
+  ORV_HTTP_STOPPED = 9,         // OrvHttpLimits::Stop ended the run
 };
 
 enum ORV_HTTP_METHOD : int32_t {
@@ -27,9 +29,9 @@ enum ORV_HTTP_METHOD : int32_t {
 struct OrvHttpSession;
 
 // One HTTP client: any number of consecutive Run calls, each blocking until
-// its response has arrived or failed. Limits and counters shared by every
-// client of the process live in OrvHttpLimits. One object is for one thread
-// at a time; different objects may run on different threads.
+// its response has arrived or failed. Limits and counters live in the run of
+// the calling thread (see OrvHttpRun and OrvHttpLimits). One object is for one
+// thread at a time; different objects may run on different threads.
 class ORV_API OrvHttp {
  public:
   OrvHttp();
@@ -38,9 +40,10 @@ class ORV_API OrvHttp {
   OrvHttp& operator=(const OrvHttp&) = delete;
 
   // GET of url (length bytes, -1 for NUL-terminated), following redirects.
-  // Every hop of a redirect chain is a request of its own to OrvHttpLimits:
-  // counted, spaced by the delay, and refused when the budget, the deadline or
-  // the allowed hosts say so; the chain shares one request timeout.
+  // Every hop of a redirect chain is a request of its own to the run:
+  // counted, spaced by the delay, and refused when the budget, the deadline,
+  // the allowed hosts or (when obeyed) robots.txt say so; the chain shares one
+  // request timeout. A failure's reason is OrvHttpLimits::GetLastFailure's.
   ORV_HTTP_STATUS Run(char* url, long length, ORV_HTTP_METHOD method);
 
   // Replaces body with the body of the last response. Gives 1, or 0 with an

@@ -5,9 +5,9 @@
 #include "orvwebpage/OrvExport.h"
 #include "orvwebpage/OrvString.h"
 
-// Settings shared by every OrvHttp of the process. A caller such as a
-// command-line tool sets them once, before it starts an analyser that makes
-// its own clients, and every request obeys them from then on.
+// Settings of a run (see OrvHttpRun), shared by every OrvHttp of it. A caller
+// such as a command-line tool sets them once, before it starts an analyser
+// that makes its own clients, and every request obeys them from then on.
 struct OrvHttpSettings {
   int64_t maxRequests = 0;  // requests allowed since the last ResetCounters; 0: no budget
   int64_t deadlineMs = 0;   // whole run, counted from the Set call; 0: none
@@ -19,6 +19,10 @@ struct OrvHttpSettings {
   int32_t maxRedirects = 10;
   int64_t maxBodyBytes = int64_t(32) << 20;
   char userAgent[256] = {0};  // empty: the library's name and version
+  // 1: before the first request to an origin, read its /robots.txt (once a
+  // run, counted as a request) and refuse what it disallows for the
+  // User-Agent's product token; its Crawl-delay spaces requests there.
+  int32_t obeyRobots = 0;
 };
 
 // What a progress callback is told.
@@ -33,16 +37,19 @@ struct OrvHttpProgress {
 // and at its end. It must not call OrvHttpLimits::SetProgress.
 using OrvHttpProgressFn = void (*)(const OrvHttpProgress& progress, void* context);
 
-// Process-wide limits and counters; every operation is safe from any thread.
+// Limits and counters of the calling thread's run: the OrvHttpRun bound to
+// it, or the process's default run. Every operation is safe from any thread.
 class ORV_API OrvHttpLimits {
  public:
   // Replaces the settings. A deadlineMs above 0 starts the run's clock now.
   static void Set(const OrvHttpSettings& settings);
   static OrvHttpSettings Get();
-  // Back to the defaults, with zero counters and no progress callback.
+  // Back to the defaults, with zero counters, no progress callback, no
+  // robots.txt read and not stopped.
   static void Reset();
 
-  // Starts a new budget: zero requests and bytes, no current URL.
+  // Starts a new budget: zero requests and bytes, no current URL, no failure
+  // and no URL refused by robots.txt.
   static void ResetCounters();
   // Requests sent, each hop of a redirect chain included.
   static int64_t GetRequests();
@@ -70,4 +77,19 @@ class ORV_API OrvHttpLimits {
 
   // The User-Agent sent when the settings name none.
   static const char* DefaultUserAgent();
+
+  // The last request of the run that failed, with why, in words a user
+  // understands ("connection refused", "HTTP 404", "refused by robots.txt",
+  // "request budget spent", ...). Gives 0, both empty, when none failed.
+  static int GetLastFailure(OrvString& url, OrvString& reason);
+  // The URLs robots.txt refused since the last ResetCounters, in order.
+  static void GetRobotsRefused(OrvStrArray& urls);
+  // The Sitemap lines of the robots.txt of url's origin, read once a run
+  // (a counted request) whether or not robots.txt is obeyed. Gives 1 when
+  // the origin has a robots.txt file, 0 with no lines otherwise.
+  static int GetRobotsSitemaps(const char* url, long length, OrvStrArray& sitemaps);
+  // Ends the request in flight and the delay wait at once; every later
+  // request fails with ORV_HTTP_STOPPED until Reset. OrvHttpRun::Stop does
+  // the same from another thread.
+  static void Stop();
 };

@@ -17,6 +17,7 @@ namespace {
 struct LinksOptions {
   std::string entry;
   std::string html;
+  std::string base;
   std::string input;
   bool json = false;
 };
@@ -97,14 +98,21 @@ void PrintReadable(const std::vector<LinkClass>& classes) {
 
 int RunLinks(const LinksOptions& options) {
   std::vector<PageLink> input;
+  std::string entry = options.entry;
   if (options.html.empty()) {
     input = ParseLinkLines(ReadInput(options.input.empty() ? "-" : options.input));
   } else {
     std::string contentType;
     std::string page = ReadPageSource(options.html, &contentType);
-    input = LinksOfPage(std::move(page), contentType);
+    std::string pageUrl =
+        options.base.empty() && IsWebUrl(options.html) ? options.html : options.base;
+    bool resolved = false;
+    input = LinksOfPage(std::move(page), contentType, pageUrl, &resolved);
+    if (!resolved && !input.empty())
+      std::cerr << "orvwebpage: links kept as written: give --base URL to resolve them\n";
+    if (entry.empty()) entry = pageUrl;
   }
-  std::vector<LinkClass> classes = Classify(options.entry, input);
+  std::vector<LinkClass> classes = Classify(entry, input);
   if (options.json)
     PrintJson(ToJson(classes));
   else
@@ -119,13 +127,20 @@ Command AddLinksCommand(CLI::App& parent) {
   CLI::App* app = parent.add_subcommand(
       "links", "Sort links into classes of like URL shape and name each class by its key");
   app->add_option("--entry", options->entry,
-                  "Entry URL: links on its domain are told apart from the others");
+                  "Entry URL: links on its domain are told apart from the others "
+                  "(default: the page's URL with --html)");
   CLI::Option* input =
       app->add_option("input", options->input,
                       "File of links, one a line: URL or URL<TAB>label (- or nothing for stdin)");
-  app->add_option("--html", options->html,
-                  "Take the links of the a elements of this page instead (file, - or http(s) URL)")
-      ->excludes(input);
+  CLI::Option* html =
+      app->add_option("--html", options->html,
+                      "Take the links of the a and area elements of this page instead (file, - "
+                      "or http(s) URL), resolved against its URL and <base> as a browser does")
+          ->excludes(input);
+  app->add_option(
+         "--base", options->base,
+         "URL the page read by --html stands for, to resolve its links against (default: its URL)")
+      ->needs(html);
   app->add_flag("--json", options->json, "Print one JSON document");
   return {app, [options] { return RunLinks(*options); }};
 }

@@ -9,8 +9,10 @@ struct PageLink {
   std::string label;
 };
 
-// The `a` elements of an HTML page that have a link target, in document
-// order: the target as written, and the text below the element, its runs
-// joined by a space and every stretch of blanks made one space.
-// contentType is the Content-Type the page came with, empty for none.
-std::vector<PageLink> LinksOfPage(std::string html, const std::string& contentType = "");
+// The `a` and `area` links of an HTML page, in document order, each resolved
+// against pageUrl and the page's <base> (see OrvPageLinks). contentType is the
+// Content-Type the page came with, empty for none. resolved, when given, says
+// whether there was a base to resolve against; without one the links are as
+// written.
+std::vector<PageLink> LinksOfPage(std::string html, const std::string& contentType = "",
+                                  const std::string& pageUrl = "", bool* resolved = nullptr);

@@ -8,14 +8,10 @@
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvString.h"
 
-namespace {
-
 bool IsWebUrl(const std::string& source) {
   return strncasecmp(source.c_str(), "http://", 7) == 0 ||
          strncasecmp(source.c_str(), "https://", 8) == 0;
 }
-
-}  // namespace
 
 std::string ReadPageSource(const std::string& source, std::string* contentType) {
   if (contentType) contentType->clear();

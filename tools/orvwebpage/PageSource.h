@@ -7,3 +7,6 @@
 // contentType, when given, receives the Content-Type a fetched page came with
 // (empty for a file), which decides its decoding before the page's own say.
 std::string ReadPageSource(const std::string& source, std::string* contentType = nullptr);
+
+// Whether source names a page to fetch rather than a file.
+bool IsWebUrl(const std::string& source);

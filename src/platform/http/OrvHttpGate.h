@@ -1,30 +1,55 @@
 #pragma once
 
+#include <curl/curl.h>
+
 #include <cstdint>
 
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "platform/http/OrvRequestTarget.h"
 
-// The side of OrvHttpLimits that clients use: a request asks to be let
+// The side of a run's limits that clients use: a request asks to be let
 // through, and reports what it receives.
+
+struct OrvHttpRunState;
+struct OrvHttpOrigin;
 
 struct OrvHttpAdmission {
   OrvHttpSettings settings;  // as they stood when the request was let through
   int64_t connectTimeoutMs;  // the settings' values, cut to what is left of the deadline
   int64_t requestTimeoutMs;
+  int deadlineCut = 0;  // the deadline made a timeout shorter
 };
 
+// 1 when the run's host patterns let target through.
+int OrvHttpHostAllowed(OrvHttpRunState& run, const OrvRequestTarget& target);
+// 1 when the run's settings ask for robots.txt to be obeyed.
+int OrvHttpObeysRobots(OrvHttpRunState& run);
+
 // Takes one request from the budget and waits out the delay since the
-// previous start; firstHop counts a fetch as well. Gives ORV_HTTP_OK, or,
-// taking nothing, ORV_HTTP_HOST_REFUSED for a host the patterns leave out and
+// previous start, and the Crawl-delay of origin (when not NULL); countFetch
+// counts a fetch as well. Gives ORV_HTTP_OK, or, taking nothing and with a
+// reason, ORV_HTTP_HOST_REFUSED for a host the patterns leave out,
 // ORV_HTTP_BUDGET_SPENT when the budget or the deadline is spent or the delay
-// would end past the deadline. url is NUL-terminated.
-ORV_HTTP_STATUS OrvHttpAdmit(const char* url, const OrvRequestTarget& target, int firstHop,
-                             OrvHttpAdmission& admission);
+// would end past the deadline, ORV_HTTP_STOPPED once the run is stopped.
+// url is NUL-terminated.
+ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& run, const char* url, const OrvRequestTarget& target,
+                             int countFetch, OrvHttpOrigin* origin, OrvHttpAdmission& admission,
+                             const char*& reason);
 
 // Body bytes have arrived for url.
-void OrvHttpNoteBytes(int64_t count, const char* url);
+void OrvHttpNoteBytes(OrvHttpRunState& run, int64_t count, const char* url);
 
 // The request for url has ended, whatever its outcome.
-void OrvHttpNoteFinished(const char* url);
+void OrvHttpNoteFinished(OrvHttpRunState& run, const char* url);
+
+// url failed for reason: the run's last failure from now on.
+void OrvHttpNoteFailure(OrvHttpRunState& run, const char* url, const char* reason);
+
+// robots.txt refused url.
+void OrvHttpNoteRobotsRefused(OrvHttpRunState& run, const char* url);
+
+// A reason a user understands for a request let through with admission that
+// ended with status after libcurl gave code and the server responseCode.
+void OrvDescribeFailure(const OrvHttpAdmission& admission, ORV_HTTP_STATUS status, CURLcode code,
+                        long responseCode, OrvString& reason);

@@ -1,48 +1,26 @@
 #include "orvwebpage/OrvHttpLimits.h"
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <cstring>
-#include <mutex>
-#include <thread>
 
 #include "orvwebpage/OrvVersion.h"
-#include "platform/http/OrvHostPatterns.h"
 #include "platform/http/OrvHttpGate.h"
+#include "platform/http/OrvHttpRunState.h"
+#include "platform/http/OrvRobotsGate.h"
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Clock = OrvHttpClock;
 
-struct LimitState {
-  std::mutex lock;
-  OrvHttpSettings settings;
-  bool hasDeadline = false;
-  Clock::time_point deadline;
-  bool hasStarted = false;
-  Clock::time_point lastStart;  // start slot of the latest admitted request
-  OrvString currentUrl;
-  OrvHttpProgressFn progress = nullptr;
-  void* progressContext = nullptr;
-  OrvHostPatterns hosts;
-  std::atomic<int64_t> requests{0};
-  std::atomic<int64_t> fetches{0};
-  std::atomic<int64_t> bytes{0};
-};
-
-LimitState& State() {
-  static LimitState state;
-  return state;
-}
+// Crawl-delay beyond this is taken as this: a site cannot stall a crawl for hours.
+constexpr int64_t kMaxCrawlDelayMs = 30000;
 
 int64_t MillisecondsUntil(Clock::time_point when, Clock::time_point now) {
   return std::chrono::duration_cast<std::chrono::milliseconds>(when - now).count();
 }
 
 // Called without the lock held, so a callback may read the counters.
-void Report(const char* url, int finished) {
-  LimitState& s = State();
+void Report(OrvHttpRunState& s, const char* url, int finished) {
   OrvHttpProgressFn progress;
   void* context;
   {
@@ -55,10 +33,19 @@ void Report(const char* url, int finished) {
   progress(report, context);
 }
 
+// Why the run takes no more requests; NULL while it does. Caller holds the lock.
+const char* SpentReason(OrvHttpRunState& s, Clock::time_point now) {
+  if (s.stopped.load()) return "stopped";
+  if (s.settings.maxRequests > 0 && s.requests.load() >= s.settings.maxRequests)
+    return "request budget spent";
+  if (s.hasDeadline && now >= s.deadline) return "deadline passed";
+  return nullptr;
+}
+
 }  // namespace
 
 void OrvHttpLimits::Set(const OrvHttpSettings& settings) {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   s.settings = settings;
   s.settings.userAgent[sizeof(s.settings.userAgent) - 1] = 0;
@@ -67,7 +54,7 @@ void OrvHttpLimits::Set(const OrvHttpSettings& settings) {
 }
 
 OrvHttpSettings OrvHttpLimits::Get() {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   return s.settings;
 }
@@ -77,41 +64,46 @@ void OrvHttpLimits::Reset() {
   SetProgress(nullptr, nullptr);
   SetHosts("", 0);
   ResetCounters();
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
+  std::lock_guard<std::mutex> reading(s.robotsLock);
   std::lock_guard<std::mutex> hold(s.lock);
   s.hasStarted = false;
+  s.stopped = 0;
+  s.ForgetOrigins();
 }
 
 void OrvHttpLimits::ResetCounters() {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   s.requests = 0;
   s.fetches = 0;
   s.bytes = 0;
   s.currentUrl.Clear();
+  s.failedUrl.Clear();
+  s.failure.Clear();
+  s.robotsRefused.RemoveAll(0);
 }
 
-int64_t OrvHttpLimits::GetRequests() { return State().requests.load(); }
+int64_t OrvHttpLimits::GetRequests() { return OrvCurrentRun().requests.load(); }
 
-int64_t OrvHttpLimits::GetFetches() { return State().fetches.load(); }
+int64_t OrvHttpLimits::GetFetches() { return OrvCurrentRun().fetches.load(); }
 
-int64_t OrvHttpLimits::GetBytes() { return State().bytes.load(); }
+int64_t OrvHttpLimits::GetBytes() { return OrvCurrentRun().bytes.load(); }
 
 void OrvHttpLimits::GetCurrentUrl(OrvString& url) {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   url.CopyBuf(s.currentUrl.buf, s.currentUrl.len);
 }
 
 int OrvHttpLimits::IsSpent() {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
-  if (s.settings.maxRequests > 0 && s.requests.load() >= s.settings.maxRequests) return 1;
-  return s.hasDeadline && Clock::now() >= s.deadline ? 1 : 0;
+  return SpentReason(s, Clock::now()) ? 1 : 0;
 }
 
 void OrvHttpLimits::SetProgress(OrvHttpProgressFn progress, void* context) {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   s.progress = progress;
   s.progressContext = context;
@@ -120,14 +112,14 @@ void OrvHttpLimits::SetProgress(OrvHttpProgressFn progress, void* context) {
 int OrvHttpLimits::SetHosts(const char* patterns, long length) {
   OrvHostPatterns parsed;
   if (!parsed.Set(patterns, length)) return 0;
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   s.hosts = parsed;
   return 1;
 }
 
 void OrvHttpLimits::GetHosts(OrvString& patterns) {
-  LimitState& s = State();
+  OrvHttpRunState& s = OrvCurrentRun();
   std::lock_guard<std::mutex> hold(s.lock);
   patterns.CopyBuf(s.hosts.Text().buf, s.hosts.Text().len);
 }
@@ -141,39 +133,105 @@ int OrvHttpLimits::AllowsUrl(const char* url, long length) {
   ORV_HTTP_STATUS aimed = OrvAimRequest(handle, text.buf, target);
   curl_url_cleanup(handle);
   if (aimed != ORV_HTTP_OK) return 0;
-  LimitState& s = State();
-  std::lock_guard<std::mutex> hold(s.lock);
-  return s.hosts.Allows(target.host.buf, target.host.len, target.port);
+  return OrvHttpHostAllowed(OrvCurrentRun(), target);
 }
 
 const char* OrvHttpLimits::DefaultUserAgent() { return "OrvWebPage/" ORV_VERSION; }
 
-ORV_HTTP_STATUS OrvHttpAdmit(const char* url, const OrvRequestTarget& target, int firstHop,
-                             OrvHttpAdmission& admission) {
-  LimitState& s = State();
-  Clock::time_point start;
+int OrvHttpLimits::GetLastFailure(OrvString& url, OrvString& reason) {
+  OrvHttpRunState& s = OrvCurrentRun();
+  std::lock_guard<std::mutex> hold(s.lock);
+  url.CopyBuf(s.failedUrl.buf, s.failedUrl.len);
+  reason.CopyBuf(s.failure.buf, s.failure.len);
+  return s.failure.len > 0 ? 1 : 0;
+}
+
+void OrvHttpLimits::GetRobotsRefused(OrvStrArray& urls) {
+  OrvHttpRunState& s = OrvCurrentRun();
+  std::lock_guard<std::mutex> hold(s.lock);
+  urls = s.robotsRefused;
+}
+
+int OrvHttpLimits::GetRobotsSitemaps(const char* url, long length, OrvStrArray& sitemaps) {
+  sitemaps.RemoveAll(0);
+  if (!url) return 0;
+  OrvString text(url, length);
+  if (text.len < 1 || Orvstrlen(text.buf) != text.len) return 0;
+  CURLU* handle = curl_url();
+  OrvRequestTarget target;
+  ORV_HTTP_STATUS status = OrvAimRequest(handle, text.buf, target);
+  curl_url_cleanup(handle);
+  OrvHttpRunState& run = OrvCurrentRun();
+  if (status != ORV_HTTP_OK || !OrvHttpHostAllowed(run, target)) return 0;
+  OrvHttpOrigin* origin = nullptr;
+  int allowed = 1;
+  OrvString why;
+  if (OrvRobotsCheck(run, target, nullptr, origin, allowed, why) != ORV_HTTP_OK) return 0;
+  std::lock_guard<std::mutex> reading(run.robotsLock);
+  sitemaps = origin->robots.Sitemaps();
+  return origin->robotsFound;
+}
+
+void OrvHttpLimits::Stop() {
+  OrvHttpRunState& s = OrvCurrentRun();
   {
     std::lock_guard<std::mutex> hold(s.lock);
-    if (!s.hosts.Allows(target.host.buf, target.host.len, target.port))
+    s.stopped = 1;
+  }
+  s.wake.notify_all();
+}
+
+int OrvHttpHostAllowed(OrvHttpRunState& s, const OrvRequestTarget& target) {
+  std::lock_guard<std::mutex> hold(s.lock);
+  return s.hosts.Allows(target.host.buf, target.host.len, target.port);
+}
+
+int OrvHttpObeysRobots(OrvHttpRunState& s) {
+  std::lock_guard<std::mutex> hold(s.lock);
+  return s.settings.obeyRobots ? 1 : 0;
+}
+
+ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& s, const char* url, const OrvRequestTarget& target,
+                             int countFetch, OrvHttpOrigin* origin, OrvHttpAdmission& admission,
+                             const char*& reason) {
+  reason = nullptr;
+  {
+    std::unique_lock<std::mutex> hold(s.lock);
+    if (!s.hosts.Allows(target.host.buf, target.host.len, target.port)) {
+      reason = "host not allowed";
       return ORV_HTTP_HOST_REFUSED;
+    }
     Clock::time_point now = Clock::now();
-    if (s.settings.maxRequests > 0 && s.requests.load() >= s.settings.maxRequests)
-      return ORV_HTTP_BUDGET_SPENT;
-    if (s.hasDeadline && now >= s.deadline) return ORV_HTTP_BUDGET_SPENT;
+    if ((reason = SpentReason(s, now)))
+      return s.stopped.load() ? ORV_HTTP_STOPPED : ORV_HTTP_BUDGET_SPENT;
     // Each request books its start slot under the lock, so clients on several
-    // threads keep the delay between them too.
-    start = now;
+    // threads of a run keep the delay between them too.
+    Clock::time_point start = now;
     if (s.hasStarted && s.settings.delayMs > 0)
       start = std::max(now, s.lastStart + std::chrono::milliseconds(s.settings.delayMs));
-    if (s.hasDeadline && start >= s.deadline) return ORV_HTTP_BUDGET_SPENT;
+    if (origin && origin->hasStarted) {
+      int64_t crawlDelay = std::min(origin->robots.CrawlDelayMs(), kMaxCrawlDelayMs);
+      start = std::max(start, origin->lastStart + std::chrono::milliseconds(crawlDelay));
+    }
+    if (s.hasDeadline && start >= s.deadline) {
+      reason = "deadline passed";
+      return ORV_HTTP_BUDGET_SPENT;
+    }
     s.hasStarted = true;
-    s.lastStart = start;
+    s.lastStart = std::max(s.lastStart, start);
+    if (origin) origin->hasStarted = true, origin->lastStart = start;
     s.requests.fetch_add(1);
-    if (firstHop) s.fetches.fetch_add(1);
+    if (countFetch) s.fetches.fetch_add(1);
     s.currentUrl = url;
     admission.settings = s.settings;
+    // A stop ends the wait, and the request with it.
+    if (s.wake.wait_until(hold, start, [&s] { return s.stopped.load() != 0; })) {
+      s.requests.fetch_sub(1);  // never sent
+      if (countFetch) s.fetches.fetch_sub(1);
+      reason = "stopped";
+      return ORV_HTTP_STOPPED;
+    }
   }
-  std::this_thread::sleep_until(start);
 
   admission.connectTimeoutMs = std::max<int64_t>(1, admission.settings.connectTimeoutMs);
   admission.requestTimeoutMs = std::max<int64_t>(1, admission.settings.requestTimeoutMs);
@@ -182,17 +240,29 @@ ORV_HTTP_STATUS OrvHttpAdmit(const char* url, const OrvRequestTarget& target, in
     if (s.hasDeadline) {
       int64_t left = MillisecondsUntil(s.deadline, Clock::now());
       if (left < 1) left = 1;
+      admission.deadlineCut = left < admission.requestTimeoutMs;
       admission.connectTimeoutMs = std::min(admission.connectTimeoutMs, left);
       admission.requestTimeoutMs = std::min(admission.requestTimeoutMs, left);
     }
   }
-  Report(url, 0);
+  Report(s, url, 0);
   return ORV_HTTP_OK;
 }
 
-void OrvHttpNoteBytes(int64_t count, const char* url) {
-  State().bytes.fetch_add(count);
-  Report(url, 0);
+void OrvHttpNoteBytes(OrvHttpRunState& s, int64_t count, const char* url) {
+  s.bytes.fetch_add(count);
+  Report(s, url, 0);
 }
 
-void OrvHttpNoteFinished(const char* url) { Report(url, 1); }
+void OrvHttpNoteFinished(OrvHttpRunState& s, const char* url) { Report(s, url, 1); }
+
+void OrvHttpNoteFailure(OrvHttpRunState& s, const char* url, const char* reason) {
+  std::lock_guard<std::mutex> hold(s.lock);
+  s.failedUrl.CopyBuf(url ? url : "", -1);
+  s.failure.CopyBuf(reason ? reason : "failed", -1);
+}
+
+void OrvHttpNoteRobotsRefused(OrvHttpRunState& s, const char* url) {
+  std::lock_guard<std::mutex> hold(s.lock);
+  s.robotsRefused.AddString(url ? url : "", -1);
+}

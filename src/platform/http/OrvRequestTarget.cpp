@@ -20,6 +20,7 @@ bool GetPart(CURLU* handle, CURLUPart part, unsigned int flags, OrvString& text)
 }  // namespace
 
 ORV_HTTP_STATUS OrvAimRequest(CURLU* handle, const char* url, OrvRequestTarget& target) {
+  target.scheme.Clear();
   target.host.Clear();
   target.port = 0;
   if (!handle || !url || curl_url_set(handle, CURLUPART_URL, url, kUrlFlags) != CURLUE_OK)
@@ -28,6 +29,7 @@ ORV_HTTP_STATUS OrvAimRequest(CURLU* handle, const char* url, OrvRequestTarget& 
   if (!GetPart(handle, CURLUPART_SCHEME, 0, part)) return ORV_HTTP_BAD_REQUEST;
   if (strcasecmp(part.buf, "http") != 0 && strcasecmp(part.buf, "https") != 0)
     return ORV_HTTP_NETWORK;
+  target.scheme.CopyBuf(part.buf[4] ? "https" : "http", -1);
   if (!GetPart(handle, CURLUPART_HOST, 0, target.host) ||
       !GetPart(handle, CURLUPART_PORT, CURLU_DEFAULT_PORT, part))
     return ORV_HTTP_BAD_REQUEST;

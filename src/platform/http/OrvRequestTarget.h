@@ -8,8 +8,9 @@
 // Where a request goes, read from its URL the way libcurl reads it, so that
 // the host judged is the host connected to.
 struct OrvRequestTarget {
-  OrvString host;  // as written, an IPv6 address in brackets
-  long port = 0;   // the scheme's port when the URL names none
+  OrvString scheme;  // "http" or "https", lower case
+  OrvString host;    // as written, an IPv6 address in brackets
+  long port = 0;     // the scheme's port when the URL names none
 };
 
 // Parses url (NUL-terminated) into handle. Gives ORV_HTTP_OK,
