@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "orvwebpage/OrvPageLinks.h"
 #include "orvwebpage/OrvString.h"
-#include "size/OrvSizeResolve.h"
 
 namespace {
 
@@ -134,10 +134,10 @@ void OrvReadSizeLinks(var_item* root, const char* pageUrl, long pageLen,
   if (pageLen < 0) pageLen = long(std::strlen(pageUrl));
   base.CopyBuf(pageUrl, pageLen);
   if (!reader.base.empty() &&
-      OrvSizeResolve(pageUrl, pageLen, reader.base.data(), long(reader.base.size()), resolved))
+      OrvResolveUrl(pageUrl, pageLen, reader.base.data(), long(reader.base.size()), resolved))
     base = resolved;
   for (RawLink& raw : reader.raw) {
-    if (!OrvSizeResolve(base.buf, base.len, raw.href.data(), long(raw.href.size()), resolved))
+    if (!OrvResolveUrl(base.buf, base.len, raw.href.data(), long(raw.href.size()), resolved))
       continue;
     OrvSizeLink link;
     link.url.assign(resolved.buf, size_t(resolved.len));
