@@ -115,7 +115,8 @@ py::dict Explanation(const OrvSiteSize& size) {
 
 py::object Size(const py::object& url, int64_t maxRequests, std::optional<double> timeout,
                 std::optional<double> deadline, std::optional<double> delay,
-                const std::optional<std::string>& userAgent, const py::object& stop) {
+                const std::optional<std::string>& userAgent, const py::object& stop,
+                bool ignoreRobots) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
@@ -124,6 +125,7 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   sizing->url.assign(view.data, size_t(view.size));
   sizing->maxRequests = maxRequests;
   sizing->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent);
+  sizing->settings.obeyRobots = ignoreRobots ? 0 : 1;
 
   std::thread worker([sizing] { sizing->Run(); });
   std::optional<py::error_already_set> failure;
@@ -193,13 +195,14 @@ void AddSize(py::module_& m) {
   m.def("size", &Size, py::arg("url"), py::arg("max_requests") = 60,
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(),
+        py::arg("stop") = py::none(), py::arg("ignore_robots") = false,
         R"(How many pages the site at url holds: its sitemaps, a crawl of its listings
 and the exact estimate, combined into one figure with its source and range.
 
 Returns SizeResult(pages, low, high, source); source is "sitemap", "crawl",
 "exact", or "none" when nothing could be read. max_requests: the whole run's
-request budget (60); the other arguments as for estimate(). Runs without the
+request budget (60); robots.txt is obeyed unless ignore_robots; the other
+arguments as for estimate(). Runs without the
 GIL, one sizing or estimate at a time per process.)");
 }
 

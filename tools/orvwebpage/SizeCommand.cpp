@@ -35,6 +35,7 @@ struct SizeOptions {
   std::string hosts;
   bool json = false;
   bool explain = false;
+  bool ignoreRobots = false;
 };
 
 constexpr double kMaxSeconds = 1e6;
@@ -190,6 +191,7 @@ int RunSize(const SizeOptions& o) {
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
+  settings.obeyRobots = o.ignoreRobots ? 0 : 1;
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
 
   std::unique_ptr<Progress> progress;
@@ -215,8 +217,11 @@ int RunSize(const SizeOptions& o) {
   }
 
   if (size.Source() == ORV_SIZE_NONE) {
+    OrvString failedUrl, failure;
+    OrvHttpLimits::GetLastFailure(failedUrl, failure);
     std::string why = interrupted      ? "interrupted"
                       : deadlinePassed ? "the deadline passed first"
+                      : failure.len    ? Text(failure)
                                        : "no readable page came back";
     if (o.json) {
       nlohmann::ordered_json out;
@@ -240,6 +245,13 @@ int RunSize(const SizeOptions& o) {
     out["reason"] = interrupted ? "interrupted" : "deadline";
   }
   if (size.ExactWrapped()) out["wrapped"] = true;
+  OrvStrArray refused;
+  OrvHttpLimits::GetRobotsRefused(refused);
+  if (refused.count) {
+    out["robots_refused"] = nlohmann::ordered_json::array();
+    for (int32_t i = 0; i < refused.count; ++i)
+      out["robots_refused"].push_back(std::string(refused[i], size_t(refused.GetStringLen(i))));
+  }
   out["why"] = Text(size.Reason());
   out["sitemap"] = {{"pages", size.SitemapPages()},
                     {"low", size.SitemapLow()},
@@ -279,6 +291,8 @@ int RunSize(const SizeOptions& o) {
             << "seconds:  " << secondsText << "\n";
   if (out.contains("partial"))
     std::cout << "partial:  " << out["reason"].get<std::string>() << "\n";
+  if (out.contains("robots_refused"))
+    std::cout << "robots:   " << out["robots_refused"].size() << " URLs refused by robots.txt\n";
   if (o.explain) PrintExplanation(explanation, std::cout);
   return 0;
 }
@@ -303,6 +317,7 @@ Command AddSizeCommand(CLI::App& parent) {
       ->check(kHostPatterns);
   app->add_flag("--json", o->json,
                 "print one JSON document: url, pages, low, high, source, requests, seconds, ...");
+  app->add_flag("--ignore-robots", o->ignoreRobots, "do not read or obey robots.txt files");
   app->add_flag("--explain", o->explain,
                 "also print what the figure is made of: sitemaps, listings, shapes");
   return {app, [o] { return RunSize(*o); }};
