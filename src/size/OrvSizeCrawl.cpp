@@ -15,6 +15,8 @@ namespace {
 // and keep the tables small whatever a site links.
 constexpr size_t kMostUrls = 200000;
 constexpr size_t kMostLinksPerPage = 20000;
+// Longer link targets are no pages a site means to be read.
+constexpr size_t kLongestUrl = 4096;
 
 // The share of the budget spent exploring before the listings are probed.
 constexpr double kExploreShare = 0.5;
@@ -87,6 +89,7 @@ int32_t OrvSizeCrawl::Fetch(int32_t url, bool probe, long* status) {
     const OrvSizeText& target = links[i].url;
     if (!OrvIsOnSite(entryUrl.data(), long(entryUrl.size()), target.data(), long(target.size())))
       continue;
+    if (target.size() > kLongestUrl) continue;
     OrvSizeText local = OrvLocalPart(target);
     if (local.empty() || !OrvIsPageLike(local)) continue;
     locals[i] = local;
@@ -96,12 +99,12 @@ int32_t OrvSizeCrawl::Fetch(int32_t url, bool probe, long* status) {
     if (record.lastPage != pageNo) {
       record.lastPage = pageNo;
       record.pagesSeen++;
-      record.halves |= uint8_t(1u << (pageNo & 1));
       page.links.push_back(linked);
     }
   }
   page.hasPager = OrvFindPager(links, locals, urls[size_t(url)].local, page.pager);
   if (page.hasPager && page.pager.numbered == 0 && !ListsItems(page)) page.hasPager = false;
+  if (page.hasPager) pagerVersion++;
   return pageNo;
 }
 
@@ -123,6 +126,15 @@ bool OrvSizeCrawl::IsPagerPage(std::string_view local) const {
 // The shape read least so far first; within it a URL drawn at random, the
 // same from run to run, so that the pages read sample the whole site and not
 // only the neighbourhood of the entry.
+bool OrvSizeCrawl::IsPagerUrl(int32_t url) const {
+  UrlRecord& record = urls[size_t(url)];
+  if (record.pagerCheck != pagerVersion) {
+    record.pagerPage = IsPagerPage(record.local);
+    record.pagerCheck = pagerVersion;
+  }
+  return record.pagerPage;
+}
+
 int32_t OrvSizeCrawl::NextToExplore() const {
   int32_t fewest = INT32_MAX;
   OrvSizeList<int32_t> candidates;
@@ -131,7 +143,7 @@ int32_t OrvSizeCrawl::NextToExplore() const {
     if (record.state != 0) continue;
     int32_t fetched = shapeTable[size_t(record.shape)].fetched;
     if (fetched > fewest) continue;
-    if (IsPagerPage(record.local)) continue;
+    if (IsPagerUrl(int32_t(i))) continue;
     if (fetched < fewest) candidates.clear(), fewest = fetched;
     candidates.push_back(int32_t(i));
   }
@@ -155,6 +167,7 @@ void OrvSizeCrawl::Run(const char* entry, long len, int64_t budget) {
   urls.clear(), index.clear(), shapeTable.clear(), shapeIndex.clear(), pageTable.clear();
   listings.clear(), shapes.clear();
   requests = pagesRead = 0;
+  pagerVersion = 0;
   pages = low = high = 0;
   if (!entry) return;
   if (len < 0) len = long(std::strlen(entry));

@@ -73,9 +73,10 @@ class OrvSizeCrawl {
     OrvSizeText local;
     int32_t shape = 0;
     int32_t pagesSeen = 0;
-    int32_t lastPage = -1;  // the last page it was seen on, so each page counts once
-    int8_t state = 0;       // 0 not fetched, 1 a page, 2 failed or not a page
-    uint8_t halves = 0;     // 1: seen on an even-numbered page read, 2: on an odd one
+    int32_t lastPage = -1;    // the last page it was seen on, so each page counts once
+    int8_t state = 0;         // 0 not fetched, 1 a page, 2 failed or not a page
+    int32_t pagerCheck = -1;  // pagerVersion when pagerPage was found
+    bool pagerPage = false;
   };
   struct PageRecord {
     int32_t url = -1;
@@ -102,18 +103,21 @@ class OrvSizeCrawl {
   bool IsGoodProbe(const OrvSizeListingRecord& listing, int32_t page, int64_t number) const;
   void CountItems(OrvSizeListingRecord& listing);
   void CountFamily(OrvSizeListingRecord& listing);
-  OrvRecapture Recapture(const ShapeRecord& table) const;
+  void Recapture(OrvSizeList<OrvRecapture>& out) const;
+  // IsPagerPage of a URL of the table, remembered until the pagers change.
+  bool IsPagerUrl(int32_t url) const;
   void Sum();
 
   OrvSizeText entryUrl;  // as given
   OrvSizeText origin;    // scheme and authority of the entry
-  OrvSizeList<UrlRecord> urls;
+  mutable OrvSizeList<UrlRecord> urls;
   OrvSizeTextMap<int32_t> index;
   OrvSizeList<ShapeRecord> shapeTable;
   OrvSizeTextMap<int32_t> shapeIndex;
   OrvSizeList<PageRecord> pageTable;
   OrvSizeList<OrvSizeListingRecord> listings;
   OrvSizeList<OrvSizeShapeRecord> shapes;
+  int32_t pagerVersion = 0;  // grows whenever the pagers known change
   int64_t firstRequest = 0, maxRequests = 0, requests = 0, pagesRead = 0;
   double pages = 0, low = 0, high = 0;
   std::atomic<bool> stopped{false};

@@ -38,7 +38,10 @@ bool OrvSizeCrawl::ListsItems(const PageRecord& page) const {
 void OrvSizeCrawl::FindListings() {
   OrvSizeTextMap<size_t> byPattern;
   for (PageRecord& page : pageTable) {
-    if (page.hasPager && page.pager.numbered == 0 && !ListsItems(page)) page.hasPager = false;
+    if (page.hasPager && page.pager.numbered == 0 && !ListsItems(page)) {
+      page.hasPager = false;
+      pagerVersion++;
+    }
     if (!page.hasPager) continue;
     const OrvSizeText& local = urls[size_t(page.url)].local;
     int64_t own = OrvMatchPattern(page.pager.pattern, local);
@@ -69,6 +72,7 @@ void OrvSizeCrawl::FindListings() {
     if (!known) kept.push_back(std::move(listing));
   }
   listings = std::move(kept);
+  pagerVersion++;
 }
 
 bool OrvSizeCrawl::IsGoodProbe(const OrvSizeListingRecord& listing, int32_t page,
@@ -235,7 +239,7 @@ void OrvSizeCrawl::CountFamily(OrvSizeListingRecord& listing) {
     if (page.probe) continue;
     const UrlRecord& u = urls[size_t(page.url)];
     if (shapeTable[size_t(u.shape)].key != listing.family) continue;
-    if (IsPagerPage(u.local)) continue;
+    if (IsPagerUrl(page.url)) continue;
     members++;
     if (u.local == listing.firstUrl) {
       extra += double(listing.lastPage - 1);

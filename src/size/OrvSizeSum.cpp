@@ -14,49 +14,68 @@ constexpr int32_t kLeastHubLinks = 8;
 
 }  // namespace
 
-// Two samples of a shape's URLs: the pages that list many of them (an
+// Two samples of each shape's URLs: the pages that list many of them (an
 // index, a start page) against the pages that mention a few; when the pages
-// read are not of both kinds, the pages read taken in turns.
-OrvRecapture OrvSizeCrawl::Recapture(const ShapeRecord& table) const {
-  OrvSizeList<int32_t> perPage(pageTable.size(), 0);
-  int32_t shapeNo = -1;
-  if (!table.urls.empty()) shapeNo = urls[size_t(table.urls[0])].shape;
-  for (size_t p = 0; p < pageTable.size(); ++p)
-    for (int32_t linked : pageTable[p].links) perPage[p] += urls[size_t(linked)].shape == shapeNo;
-  OrvSizeList<int32_t> linking;
-  for (int32_t n : perPage)
-    if (n > 0) linking.push_back(n);
-  std::sort(linking.begin(), linking.end());
-  int32_t hub = linking.empty() ? 0 : std::max(kLeastHubLinks, 2 * linking[linking.size() / 2]);
-  int32_t hubs = 0, others = 0;
-  for (int32_t n : perPage) hubs += n >= hub && n > 0, others += n > 0 && n < hub;
-  bool byHub = hubs > 0 && others > 0;
-
+// read are not of both kinds, the pages read taken in turns. One pass over
+// the links, whatever the number of shapes.
+void OrvSizeCrawl::Recapture(OrvSizeList<OrvRecapture>& out) const {
+  // Links of each shape on each page, as (page, count) runs per shape.
+  OrvSizeList<OrvSizeList<std::pair<int32_t, int32_t>>> byShape(shapeTable.size());
+  OrvSizeList<int32_t> onPage(shapeTable.size(), 0);
+  for (size_t p = 0; p < pageTable.size(); ++p) {
+    for (int32_t linked : pageTable[p].links) onPage[size_t(urls[size_t(linked)].shape)]++;
+    for (int32_t linked : pageTable[p].links) {
+      size_t shape = size_t(urls[size_t(linked)].shape);
+      if (onPage[shape]) byShape[shape].push_back({int32_t(p), onPage[shape]}), onPage[shape] = 0;
+    }
+  }
+  OrvSizeList<int32_t> hub(shapeTable.size(), 0);
+  OrvSizeList<bool> byHub(shapeTable.size(), false);
+  OrvSizeList<int32_t> counts;
+  for (size_t s = 0; s < byShape.size(); ++s) {
+    if (byShape[s].empty()) continue;
+    counts.clear();
+    for (const auto& run : byShape[s]) counts.push_back(run.second);
+    std::nth_element(counts.begin(), counts.begin() + counts.size() / 2, counts.end());
+    hub[s] = std::max(kLeastHubLinks, 2 * counts[counts.size() / 2]);
+    int32_t hubs = 0;
+    for (const auto& run : byShape[s]) hubs += run.second >= hub[s];
+    byHub[s] = hubs > 0 && size_t(hubs) < byShape[s].size();
+  }
   OrvSizeList<uint8_t> sides(urls.size(), 0);
   for (size_t p = 0; p < pageTable.size(); ++p) {
-    if (perPage[p] == 0) continue;
-    uint8_t side = byHub ? (perPage[p] >= hub ? 1 : 2) : uint8_t(1u << (p & 1));
-    for (int32_t linked : pageTable[p].links)
-      if (urls[size_t(linked)].shape == shapeNo) sides[size_t(linked)] |= side;
+    const OrvSizeList<int32_t>& links = pageTable[p].links;
+    for (int32_t linked : links) onPage[size_t(urls[size_t(linked)].shape)]++;
+    for (int32_t linked : links) {
+      size_t s = size_t(urls[size_t(linked)].shape);
+      sides[size_t(linked)] |= byHub[s] ? (onPage[s] >= hub[s] ? 1 : 2) : uint8_t(1u << (p & 1));
+    }
+    for (int32_t linked : links) onPage[size_t(urls[size_t(linked)].shape)] = 0;
   }
-  int64_t first = 0, second = 0, both = 0, unsampled = 0;
-  for (int32_t no : table.urls) {
-    const UrlRecord& u = urls[size_t(no)];
-    if (u.state == 2 || IsPagerPage(u.local)) continue;
-    uint8_t side = sides[size_t(no)];
-    first += (side & 1) != 0, second += (side & 2) != 0, both += side == 3;
-    unsampled += side == 0;
+  out.assign(shapeTable.size(), OrvRecapture());
+  for (size_t s = 0; s < shapeTable.size(); ++s) {
+    int64_t first = 0, second = 0, both = 0, unsampled = 0;
+    for (int32_t no : shapeTable[s].urls) {
+      const UrlRecord& u = urls[size_t(no)];
+      if (u.state == 2 || IsPagerUrl(no)) continue;
+      uint8_t side = sides[size_t(no)];
+      first += (side & 1) != 0, second += (side & 2) != 0, both += side == 3;
+      unsampled += side == 0;
+    }
+    OrvRecapture& r = out[s];
+    r = OrvChapman(first, second, both);
+    r.estimate += double(unsampled), r.low += double(unsampled), r.high += double(unsampled);
   }
-  OrvRecapture r = OrvChapman(first, second, both);
-  r.estimate += double(unsampled), r.low += double(unsampled), r.high += double(unsampled);
-  return r;
 }
 
 void OrvSizeCrawl::Sum() {
   shapes.clear();
   pages = low = high = 0;
   OrvSizeTextMap<size_t> byKey;
-  for (const ShapeRecord& table : shapeTable) {
+  OrvSizeList<OrvRecapture> recaptured;
+  Recapture(recaptured);
+  for (size_t shapeNo = 0; shapeNo < shapeTable.size(); ++shapeNo) {
+    const ShapeRecord& table = shapeTable[shapeNo];
     OrvSizeShapeRecord shape;
     shape.key = table.key;
     int64_t failed = 0;
@@ -66,10 +85,10 @@ void OrvSizeCrawl::Sum() {
         failed++;
         continue;
       }
-      if (!IsPagerPage(u.local)) shape.seen++;
+      if (!IsPagerUrl(no)) shape.seen++;
     }
     shape.fetched = table.fetched;
-    OrvRecapture r = Recapture(table);
+    const OrvRecapture& r = recaptured[shapeNo];
     // URLs of a shape that failed when fetched say the unread ones fail as often.
     double unseen = r.estimate - double(shape.seen);
     double share = table.fetched > 0 ? 1.0 - double(failed) / double(table.fetched) : 1.0;

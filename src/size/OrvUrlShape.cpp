@@ -38,6 +38,9 @@ void SegmentShape(OrvSizeText& out, std::string_view s, bool keepName) {
     out += '*';
 }
 
+constexpr size_t kLongestPagerUrl = 2048;
+constexpr size_t kMostSlots = 4;
+
 constexpr std::string_view kNotPages[] = {
     "jpg",  "jpeg", "png", "gif",  "webp", "svg", "ico",  "bmp",   "tif", "tiff", "css", "js",
     "json", "xml",  "rss", "atom", "txt",  "pdf", "zip",  "gz",    "tgz", "bz2",  "xz",  "7z",
@@ -152,6 +155,16 @@ OrvSizeText OrvLooseShape(std::string_view shape) {
 
 void OrvNumberSlots(std::string_view local, OrvSizeList<OrvNumberSlot>& slots) {
   slots.clear();
+  // A page number sits near the end of a URL of ordinary length; looking no
+  // further keeps a URL of a thousand numbers as cheap as any other.
+  if (local.size() > kLongestPagerUrl) return;
+  size_t runs = 0;
+  for (size_t i = local.size(); i > 0 && runs < kMostSlots; --i)
+    if (IsDigit(local[i - 1]) && (i == 1 || !IsDigit(local[i - 2]))) ++runs;
+  size_t skip = 0;
+  for (size_t i = 0, seen = 0; i < local.size(); ++i)
+    if (IsDigit(local[i]) && (i == 0 || !IsDigit(local[i - 1])) && ++seen) skip = seen;
+  skip = skip > runs ? skip - runs : 0;
   for (size_t i = 0; i < local.size();) {
     if (!IsDigit(local[i])) {
       ++i;
@@ -160,7 +173,9 @@ void OrvNumberSlots(std::string_view local, OrvSizeList<OrvNumberSlot>& slots) {
     size_t end = i;
     while (end < local.size() && IsDigit(local[end])) ++end;
     // Longer runs are ids or dates, never a page number worth probing.
-    if (end - i <= 9) {
+    if (skip) {
+      --skip;
+    } else if (end - i <= 9) {
       OrvNumberSlot slot;
       slot.pattern.append(local.substr(0, i)).append("{}").append(local.substr(end));
       for (size_t k = i; k < end; ++k) slot.value = slot.value * 10 + (local[k] - '0');
