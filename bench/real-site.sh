@@ -192,6 +192,7 @@ dokuwiki_site() { # name
 \$conf['youarehere'] = 1;
 \$conf['sitemap'] = 0;
 \$conf['send404'] = 1;
+\$conf['updatecheck'] = 0;
 \$conf['disableactions'] = 'backlink,index,recent,revisions,edit,source,media,diff,export_raw,export_xhtml,export_xhtmlbody,login,register,resendpwd,profile,subscribe,admin,check,preview,save,draft,draftdel,conflict,search,sitemap,rss';
 "
   stamp="dokuwiki $(cat bench/real-site-content.py - <<<"$settings" | md5sum | cut -c1-32) $(dpkg-query -W -f='${Version}' dokuwiki)"

@@ -6,29 +6,30 @@
 # and as the site's server logged them). Ends with the goal lines. Prints a
 # Markdown table, ready for the README.
 #
-#   bench/trust.sh [--tool PATH] [--max-requests N] [SITE...]
+#   bench/trust.sh [--tool PATH] [--sites TSV] [--max-requests N] [SITE...]
 #
 # The sites must be up (as root: bench/real-site.sh start); their true counts
-# come from bench/real-site.sh count. Everything runs on 127.0.0.1.
+# come from bench/real-site.sh count (or the --sites table of the same
+# columns). Everything runs on 127.0.0.1.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tool=${ORV_BUILD_DIR:-build}/bin/orvwebpage
+tsv=bench/real-sites.tsv
 max_requests=""
 chosen=()
 while [ $# -gt 0 ]; do
   case $1 in
-    --tool | --max-requests)
+    --tool | --sites | --max-requests)
       [ $# -ge 2 ] || { echo "bench/trust.sh: $1 needs a value" >&2; exit 2; }
-      if [ "$1" = --tool ]; then tool=$2; else max_requests=$2; fi
+      case $1 in --tool) tool=$2 ;; --sites) tsv=$2 ;; *) max_requests=$2 ;; esac
       shift 2
       ;;
-    -*) echo "usage: bench/trust.sh [--tool PATH] [--max-requests N] [SITE...]" >&2; exit 2 ;;
+    -*) echo "usage: bench/trust.sh [--tool PATH] [--sites TSV] [--max-requests N] [SITE...]" >&2; exit 2 ;;
     *) chosen+=("$1"); shift ;;
   esac
 done
 
-tsv=bench/real-sites.tsv
 logs=/var/tmp/orvwebpage-real-site/logs
 [ -s "$tsv" ] || { echo "bench/trust.sh: no $tsv; run bench/real-site.sh count as root" >&2; exit 1; }
 if [ ! -x "$tool" ]; then
@@ -54,7 +55,7 @@ while IFS=$'\t' read -r name url pages _; do
   if [ ${#chosen[@]} -gt 0 ] && ! printf '%s\n' "${chosen[@]}" | grep -qx -- "$name"; then
     continue
   fi
-  if ! wget -q -O /dev/null "$url"; then
+  if ! wget -q -t 1 -O /dev/null "$url"; then
     echo "bench/trust.sh: $name ($url) does not answer; start the sites: bench/real-site.sh start" >&2
     exit 1
   fi

@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Estimates the page counts of many sites at once on Dask.
 
-Each site is estimated in a worker process of its own at a time: the HTTP limits
-and counters of orvwebpage belong to the process, so workers run one thread each.
+Each estimate has HTTP limits and counters of its own (its budget, deadline,
+delay, robots.txt and connections), so a worker may run several at once, one a
+thread, without their limits or counts mixing.
 
     python3 dask_estimate.py SITES [--scheduler ADDRESS] [--workers N]
-                             [--max-requests N] [--deadline SECONDS] [--delay SECONDS]
+                             [--threads N] [--max-requests N] [--deadline SECONDS]
+                             [--delay SECONDS] [--ignore-robots]
 
 SITES is a file of entry URLs, one a line (blank lines and # comments skipped).
 Without --scheduler a local cluster of worker processes is started. Writes one
@@ -32,9 +34,8 @@ def read_sites(path):
 
 
 def print_estimates(client, sites, limits):
-    # Estimates of one process wait for each other (the limits are the
-    # process's), so a scheduler whose workers run several threads still
-    # gets right counts, only less at once.
+    # The limits are each call's own, so workers with several threads run
+    # that many estimates side by side, each within its own limits.
     futures = client.map(estimate_site, sites, limits=limits, pure=False)
     for future in futures:
         print(json.dumps(future.result()), flush=True)
@@ -46,6 +47,10 @@ def main():
     parser.add_argument("--scheduler", help="address of a running Dask scheduler")
     parser.add_argument("--workers", type=int, default=None,
                         help="local worker processes (default: one per site, at most 4)")
+    parser.add_argument("--threads", type=int, default=4,
+                        help="estimates at once in each local worker (default 4)")
+    parser.add_argument("--ignore-robots", action="store_true",
+                        help="do not read robots.txt, nor keep to what it refuses")
     parser.add_argument("--max-requests", type=int)
     parser.add_argument("--deadline", type=float, help="seconds for each site")
     parser.add_argument("--delay", type=float, help="seconds between two requests to a site")
@@ -53,12 +58,13 @@ def main():
     sites = read_sites(args.sites)
     limits = {k: v for k, v in (("max_requests", args.max_requests), ("deadline", args.deadline),
                                 ("delay", args.delay)) if v is not None}
+    limits["obey_robots"] = not args.ignore_robots
     if args.scheduler:
         with Client(args.scheduler) as client:
             print_estimates(client, sites, limits)
     else:
         workers = args.workers or max(1, min(4, len(sites)))
-        with LocalCluster(n_workers=workers, threads_per_worker=1, processes=True,
+        with LocalCluster(n_workers=workers, threads_per_worker=args.threads, processes=True,
                           host="127.0.0.1", dashboard_address=None) as cluster, \
                 Client(cluster) as client:
             print_estimates(client, sites, limits)

@@ -3,7 +3,6 @@
 #include <pybind11/pybind11.h>
 
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -18,12 +17,10 @@ void AddNodes(pybind11::module_& m);
 void AddEstimate(pybind11::module_& m);
 void AddSize(pybind11::module_& m);
 
-// The HTTP limits and counters belong to the process: one crawl at a time.
-std::mutex& ProcessHttpLock();
 // The limits of a crawl from a Python call's arguments; ValueError when one is out of range.
 OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
                                  std::optional<double> deadline, std::optional<double> delay,
-                                 const std::optional<std::string>& userAgent);
+                                 const std::optional<std::string>& userAgent, bool obeyRobots);
 
 // A tuple type with named fields (a struct sequence); the first `visible`
 // fields make the tuple, the others are attributes only.

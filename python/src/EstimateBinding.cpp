@@ -17,6 +17,7 @@
 #include "Bindings.h"
 #include "PyText.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
 namespace orvpy {
@@ -38,15 +39,11 @@ int32_t Milliseconds(const std::optional<double>& seconds, const char* what, boo
 
 }  // namespace
 
-std::mutex& ProcessHttpLock() {
-  static std::mutex lock;
-  return lock;
-}
-
 OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
                                  std::optional<double> deadline, std::optional<double> delay,
-                                 const std::optional<std::string>& userAgent) {
+                                 const std::optional<std::string>& userAgent, bool obeyRobots) {
   OrvHttpSettings settings;
+  settings.obeyRobots = obeyRobots ? 1 : 0;
   if (maxRequests) {
     if (*maxRequests < 1) throw py::value_error("max_requests must be at least 1");
     settings.maxRequests = *maxRequests;
@@ -72,6 +69,7 @@ namespace {
 struct Crawl {
   std::string url;
   OrvHttpSettings settings;
+  OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvWebPageCountEstimate estimator;
   std::mutex lock;
   std::condition_variable finished;
@@ -81,7 +79,7 @@ struct Crawl {
   double seconds = 0;
 
   void Run() {
-    std::lock_guard<std::mutex> only(ProcessHttpLock());
+    httpRun.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
       if (!stopRequested) {
@@ -97,21 +95,18 @@ struct Crawl {
       requests = OrvHttpLimits::GetRequests();
       bytes = OrvHttpLimits::GetBytes();
     }
+    httpRun.Unbind();
     std::lock_guard<std::mutex> guard(lock);
     done = true;
     finished.notify_all();
   }
 
   // The estimator forgets a stop that comes before its crawl begins, so the
-  // caller repeats it every slice; spending the HTTP limits makes the queued
+  // caller repeats it every slice; stopping the HTTP run makes the queued
   // rest of the crawl end at once, a request in flight included.
   void Stop() {
     std::lock_guard<std::mutex> guard(lock);
-    if (!stopRequested && started) {
-      OrvHttpSettings spent = OrvHttpLimits::Get();
-      spent.deadlineMs = 1;
-      OrvHttpLimits::Set(spent);
-    }
+    if (!stopRequested && started) httpRun.Stop();
     stopRequested = true;
     if (started) estimator.StopEstimating();
   }
@@ -126,13 +121,13 @@ struct Crawl {
 py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                     std::optional<double> timeout, std::optional<double> deadline,
                     std::optional<double> delay, const std::optional<std::string>& userAgent,
-                    const py::object& stop) {
+                    const py::object& stop, bool obeyRobots) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
-  crawl->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent);
+  crawl->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
 
   std::thread worker([crawl] { crawl->Run(); });
   std::optional<py::error_already_set> failure;
@@ -182,7 +177,7 @@ void AddEstimate(py::module_& m) {
   m.def("estimate", &Estimate, py::arg("url"), py::arg("max_requests") = py::none(),
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(),
+        py::arg("stop") = py::none(), py::arg("obey_robots") = true,
         R"(Estimates how many pages the site at url holds by crawling it.
 
 Returns EstimateResult(estimate, requests); estimate 0 when nothing could be read.
@@ -190,9 +185,11 @@ max_requests: request budget; timeout: seconds per request (default 30);
 deadline: seconds for the whole run; delay: seconds between two requests;
 user_agent: the User-Agent header; stop: a threading.Event that ends the crawl
 early when set. Ctrl-C ends it too and raises KeyboardInterrupt.
+obey_robots: read each origin's robots.txt (one request, counted) and fetch
+nothing it refuses; False turns that off.
 
-The crawl runs without the GIL. Its limits and counters are process-wide: one
-estimate runs at a time per process, and a second call waits for the first.)");
+The crawl runs without the GIL, with limits and counters of its own: calls on
+several threads run side by side, each within its own limits.)");
 }
 
 }  // namespace orvpy

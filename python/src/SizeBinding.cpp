@@ -15,6 +15,7 @@
 #include "Bindings.h"
 #include "PyText.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvSiteSize.h"
 
 namespace orvpy {
@@ -32,6 +33,7 @@ struct Sizing {
   std::string url;
   int64_t maxRequests = 60;
   OrvHttpSettings settings;
+  OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvSiteSize size;
   std::mutex lock;
   std::condition_variable finished;
@@ -39,7 +41,7 @@ struct Sizing {
   double seconds = 0;
 
   void Run() {
-    std::lock_guard<std::mutex> only(ProcessHttpLock());
+    httpRun.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
       if (!stopRequested) {
@@ -53,6 +55,7 @@ struct Sizing {
       size.Measure(url.data(), long(url.size()), maxRequests);
       seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     }
+    httpRun.Unbind();
     std::lock_guard<std::mutex> guard(lock);
     done = true;
     finished.notify_all();
@@ -60,11 +63,7 @@ struct Sizing {
 
   void Stop() {
     std::lock_guard<std::mutex> guard(lock);
-    if (!stopRequested && started) {
-      OrvHttpSettings spent = OrvHttpLimits::Get();
-      spent.deadlineMs = 1;
-      OrvHttpLimits::Set(spent);
-    }
+    if (!stopRequested && started) httpRun.Stop();
     stopRequested = true;
     size.Stop();
   }
@@ -124,8 +123,8 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   auto sizing = std::make_shared<Sizing>();
   sizing->url.assign(view.data, size_t(view.size));
   sizing->maxRequests = maxRequests;
-  sizing->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent);
-  sizing->settings.obeyRobots = ignoreRobots ? 0 : 1;
+  sizing->settings =
+      MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, !ignoreRobots);
 
   std::thread worker([sizing] { sizing->Run(); });
   std::optional<py::error_already_set> failure;
@@ -203,7 +202,7 @@ Returns SizeResult(pages, low, high, source); source is "sitemap", "crawl",
 "exact", or "none" when nothing could be read. max_requests: the whole run's
 request budget (60); robots.txt is obeyed unless ignore_robots; the other
 arguments as for estimate(). Runs without the
-GIL, one sizing or estimate at a time per process.)");
+GIL, on HTTP limits and counters of its own.)");
 }
 
 }  // namespace orvpy

@@ -79,3 +79,25 @@ def test_misuse(kwargs, error):
 
 def test_nothing_to_read_gives_zero():
     assert tuple(orvwebpage.estimate("http://127.0.0.1:1/", timeout=5)) == (0, 1)
+
+
+# Budgets bind per call even when the calls overlap; robots.txt is one of
+# the requests unless turned off.
+def test_overlapping_calls_keep_their_own_budgets(sample_site):
+    site = sample_site("--profile", "mixed", "--pages", "2000")
+    budgets = [1, 2, 3, 5, 8, 13]
+    got = {}
+
+    def run(budget, obey):
+        result = orvwebpage.estimate(site.url, max_requests=budget, delay=0.02,
+                                     obey_robots=obey)
+        got[(budget, obey)] = result.requests
+
+    threads = [threading.Thread(target=run, args=(b, o)) for b in budgets for o in (True, False)]
+    for t in threads:
+        t.start()
+    for t in threads:
+        t.join()
+    assert got == {(b, o): b for b in budgets for o in (True, False)}
+    alone = orvwebpage.estimate(site.url, obey_robots=False)
+    assert orvwebpage.estimate(site.url).requests == alone.requests + 1

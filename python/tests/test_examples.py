@@ -59,3 +59,18 @@ def test_dask_estimates_equal_the_tools(sample_site, where, tmp_path):
     got = [json.loads(line) for line in run.stdout.splitlines()]
     assert [(g["url"], g["estimate"], g["requests"]) for g in got] == \
         [(s.url, *w) for s, w in zip(sites, want)]
+
+
+# Sites side by side on threads give what the tool gives for each alone; an
+# unreadable site is its own error line and makes the status 1.
+def test_thread_pool_estimates_equal_the_tools(sample_site, tmp_path):
+    sites = [sample_site("--profile", p) for p in ("example", "offset", "last13", "single")]
+    want = [tool_estimate(s.url) for s in sites]
+    listing = tmp_path / "sites.txt"
+    listing.write_text("\n".join(s.url for s in sites) + "\nhttp://127.0.0.1:1/\n")
+    run = run_example("thread_pool_estimate.py", str(listing), "--jobs", "4")
+    assert run.returncode == 1, run.stderr
+    got = [json.loads(line) for line in run.stdout.splitlines()]
+    assert [(g["url"], g["estimate"], g["requests"]) for g in got[:-1]] == \
+        [(s.url, *w) for s, w in zip(sites, want)]
+    assert got[-1] == {"url": "http://127.0.0.1:1/", "error": "no readable page came back"}

@@ -9,6 +9,12 @@ namespace {
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v'; }
 
+bool StartsWithSitemap(const char* line) {
+  for (int i = 0; i < 7; i++)
+    if ((line[i] | 0x20) != "sitemap"[i]) return false;
+  return true;
+}
+
 }  // namespace
 
 int32_t OrvReadSitemapLines(const char* body, long len, int32_t max, OrvStrArray& sitemaps) {
@@ -23,7 +29,7 @@ int32_t OrvReadSitemapLines(const char* body, long len, int32_t max, OrvStrArray
     const char* hash = static_cast<const char*>(std::memchr(line, '#', size_t(n)));
     if (hash) n = long(hash - line);
     while (n > 0 && IsBlank(*line)) line++, n--;
-    if (n < 8 || OrvString(line, 7).CapsIsEqual("sitemap", 7) == 0) continue;
+    if (n < 8 || !StartsWithSitemap(line)) continue;
     long i = 7;
     while (i < n && IsBlank(line[i])) i++;
     if (i >= n || line[i] != ':') continue;
@@ -38,8 +44,8 @@ int32_t OrvReadSitemapLines(const char* body, long len, int32_t max, OrvStrArray
   return added;
 }
 
-int OrvFetchRobotsSitemaps(const char* url, long len, int32_t max, OrvStrArray& sitemaps,
-                           OrvString& problem, int32_t& fetches) {
+int OrvFetchRobotsSitemaps(OrvHttp& client, const char* url, long len, int32_t max,
+                           OrvStrArray& sitemaps, OrvString& problem, int32_t& fetches) {
   OrvString robots, body;
   problem.Clear();
   if (!OrvOriginText(url, len, robots)) {
@@ -47,7 +53,6 @@ int OrvFetchRobotsSitemaps(const char* url, long len, int32_t max, OrvStrArray& 
     return 0;
   }
   robots += "/robots.txt";
-  OrvHttp client;
   ORV_HTTP_STATUS status;
   fetches++;
   if (!OrvSizeFetch(client, robots.buf, robots.len, body, problem, status)) {

@@ -21,7 +21,8 @@ struct ParsedUrl {
     if (len == 0 || std::memchr(url, 0, size_t(len))) return 0;
     OrvString text(url, len);
     text.TrimBanks();
-    return curl_url_set(handle, CURLUPART_URL, text.buf, CURLU_NON_SUPPORT_SCHEME) == CURLUE_OK;
+    return curl_url_set(handle, CURLUPART_URL, text.buf,
+                        CURLU_NON_SUPPORT_SCHEME | CURLU_ALLOW_SPACE) == CURLUE_OK;
   }
   int Get(CURLUPart part, OrvString& out, unsigned flags = 0) {
     char* value = nullptr;

@@ -30,6 +30,7 @@ struct OrvSitemapState {
   uint64_t draw = 0;
   OrvStrArray sample;
   OrvSitemapFile none;
+  OrvHttp client;  // one for the whole read, so that its connection is kept
 
   // What the file in hand is reading.
   OrvSitemapFile* current = nullptr;
@@ -132,7 +133,6 @@ void OrvSitemapState::ReadFile(int32_t index) {
     file->problem = "not read: request budget spent";
     return;
   }
-  OrvHttp client;
   OrvString body;
   ORV_HTTP_STATUS status;
   fetches++;
@@ -247,8 +247,8 @@ void OrvSitemapSize::Read(const char* entryUrl, long len, const OrvStrArray& hin
 
   OrvStrArray named;
   if (s.maxFetches > 0)
-    OrvFetchRobotsSitemaps(entryUrl, len, s.limits.maxRobotsSitemaps, named, s.robotsProblem,
-                           s.fetches);
+    OrvFetchRobotsSitemaps(s.client, entryUrl, len, s.limits.maxRobotsSitemaps, named,
+                           s.robotsProblem, s.fetches);
   for (int32_t i = 0; i < hints.count; i++) {
     const char* hint = hints[i];
     if (hint[0] == '/' && hint[1] != '/') {
@@ -268,7 +268,7 @@ void OrvSitemapSize::Read(const char* entryUrl, long len, const OrvStrArray& hin
       s.ReadFile(next);
       if (s.files[size_t(next)].isIndex) s.PlanChildren(next, next);
     }
-    if (s.found || guess >= 3 || s.budgetSpent) break;
+    if (s.found || guess >= 3 || s.budgetSpent || s.fetches >= s.maxFetches) break;
     OrvString url = s.origin;
     url += kUsual[guess];
     s.Plan(url.buf, url.len, -1, 0);

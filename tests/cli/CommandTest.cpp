@@ -81,7 +81,10 @@ TEST_P(Command, GivesTheRowsStatusAndOutput) {
   const Row& row = GetParam();
   Server server(row.server);
   ASSERT_EQ(server.port.empty(), row.server.empty()) << "the server did not start";
-  TempFile in(Text(row.in));
+  std::string stdinText = row.in;
+  for (size_t at; (at = stdinText.find("{port}")) != std::string::npos;)
+    stdinText.replace(at, 6, server.port);
+  TempFile in(Text(stdinText));
   std::vector<std::string> args = {ToolPath("orvwebpage")};
   for (std::string arg : row.args) {
     for (auto [from, to] : {std::pair{"{in}", in.path}, {"{port}", server.port}})

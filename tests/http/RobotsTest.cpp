@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <mutex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -102,6 +104,11 @@ class HttpRobots : public testing::Test {
       s.Get(path, [](const httplib::Request&, httplib::Response& res) {
         res.set_content("hello", "text/html");
       });
+    s.Get("/port", [this](const httplib::Request& req, httplib::Response& res) {
+      std::lock_guard<std::mutex> hold(lock);
+      ports.insert(req.remote_port);
+      res.set_content("hello", "text/html");
+    });
     s.Get("/moved",
           [](const httplib::Request&, httplib::Response& res) { res.set_redirect("/ok"); });
     s.Get("/silent", [this](const httplib::Request&, httplib::Response& res) {
@@ -114,6 +121,8 @@ class HttpRobots : public testing::Test {
 
   LocalHttpServer server;
   std::string answer = "404";
+  std::mutex lock;
+  std::set<int> ports;  // the client ends of the connections /port was asked on
 };
 
 // Each row in a run of its own: what robots.txt answers, and how the request
@@ -218,3 +227,20 @@ TEST_F(HttpRobots, RunsKeepTheirOwnLimits) {
 }
 
 }  // namespace
+
+// The clients of a run share its connections: four requests from two clients
+// come on one connection (the server serves five on one); another run opens
+// its own.
+TEST_F(HttpRobots, ClientsOfARunShareOneConnection) {
+  OrvHttpRun run;
+  run.Bind();
+  OrvHttp a, b;
+  std::string url = server.Url("/port");
+  for (int i = 0; i < 4; ++i)
+    EXPECT_EQ((i % 2 ? a : b).Run(url.data(), -1, ORV_HTTP_GET), ORV_HTTP_OK);
+  EXPECT_EQ(ports.size(), 1u);
+  OrvHttpRun other;
+  other.Bind();
+  EXPECT_EQ(a.Run(url.data(), -1, ORV_HTTP_GET), ORV_HTTP_OK);
+  EXPECT_EQ(ports.size(), 2u);
+}

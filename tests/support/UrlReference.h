@@ -25,7 +25,7 @@ inline std::vector<std::string> Fields(const OrvWebPageUrl &u) {
 // up to the first NUL, scheme in the first 11 bytes, host up to the next
 // slash, fragment at the last '#', query at the first '?'.
 inline std::vector<std::string> ReferenceFields(std::string s) {
-  const char* blanks = " \t\n\r\f\v";
+  const char *blanks = " \t\n\r\f\v";
   s.erase(0, s.find_first_not_of(blanks));
   s.erase(s.find_last_not_of(blanks) + 1);
   s = s.c_str();

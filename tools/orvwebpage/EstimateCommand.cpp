@@ -12,14 +12,19 @@
 #include <cstdio>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "Command.h"
 #include "EstimateExplain.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
@@ -28,7 +33,11 @@
 namespace {
 
 struct EstimateOptions {
-  std::string url;
+  std::string url;                // of the site in hand
+  std::vector<std::string> urls;  // as given, before those of --from
+  std::string from;               // a file of URLs, one a line; "-": stdin
+  int jobs = 1;                   // sites estimated at once
+  bool ignoreRobots = false;
   int64_t maxRequests = 0;  // 0: no budget
   double timeout = 0;       // seconds per request; 0: the HTTP layer's default
   double deadline = 0;      // seconds for the whole run; 0: none
@@ -137,6 +146,7 @@ struct EstimateRun {
   bool spent = false;
   double seconds = 0;
   Explanation explanation;
+  std::vector<std::string> robotsRefused;
 };
 
 OrvHttpSettings LimitsOf(const EstimateOptions& o) {
@@ -146,6 +156,7 @@ OrvHttpSettings LimitsOf(const EstimateOptions& o) {
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
+  settings.obeyRobots = o.ignoreRobots ? 0 : 1;
   return settings;
 }
 
@@ -162,10 +173,11 @@ void ShowProgress(const OrvHttpProgress& p, void* context) {
                       probing ? "probing a listing" : "crawling");
 }
 
-EstimateRun Estimate(const EstimateOptions& o) {
+// On the calling thread's run, which it sets up from o.
+EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
   OrvWebPageCountEstimate estimator;
   std::unique_ptr<Progress> progress;
-  if (isatty(STDERR_FILENO)) {
+  if (showProgress && isatty(STDERR_FILENO)) {
     progress.reset(new Progress{.estimator = &estimator});
     OrvHttpLimits::SetProgress(ShowProgress, progress.get());
   }
@@ -191,42 +203,137 @@ EstimateRun Estimate(const EstimateOptions& o) {
     progress->line.Clear();
   }
   if (o.explain) run.explanation = ReadExplanation(estimator);
+  OrvStrArray refused;
+  OrvHttpLimits::GetRobotsRefused(refused);
+  for (int32_t i = 0; i < refused.count; i++) run.robotsRefused.emplace_back(refused[i]);
   return run;
 }
 
-void PrintRun(const EstimateOptions& o, const EstimateRun& run) {
+std::string Dump(const nlohmann::ordered_json& doc) {
+  return doc.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
   if (o.json) {
     nlohmann::ordered_json out;
     out["url"] = o.url;
     out["estimate"] = run.estimate;
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
+    if (!run.robotsRefused.empty()) out["robots_refused"] = run.robotsRefused;
     if (o.explain) AddExplanation(run.explanation, out);
-    PrintJson(out, kOneLine);
-    return;
+    return Dump(out);
   }
-  std::cout << "url:      " << o.url << "\n"
-            << "estimate: " << run.estimate << " pages\n"
-            << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
-            << "seconds:  " << FormatSeconds(run.seconds) << "\n";
-  if (o.explain) PrintExplanation(run.explanation, std::cout);
+  std::ostringstream text;
+  text << "url:      " << o.url << "\n"
+       << "estimate: " << run.estimate << " pages\n"
+       << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
+       << "seconds:  " << FormatSeconds(run.seconds) << "\n";
+  if (o.explain) {
+    for (const std::string& url : run.robotsRefused) text << "robots.txt refused: " << url << "\n";
+    PrintExplanation(run.explanation, text);
+  }
+  return text.str();
 }
 
-int RunEstimate(const EstimateOptions& o) {
-  EstimateRun run = Estimate(o);
-  // Nothing could be read when the estimate is 0 and at most the entry was
-  // asked for (its redirects included). A read entry page can give 0 as well
-  // (a listing whose pages hold no crawlable link), but finding that
-  // listing's last page takes probes, so such a run has fetched more pages.
-  if (run.estimate == 0 && run.fetches <= 1)
-    throw CommandError(
-        "cannot read " + o.url +
-        (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty()
-             ? ": its host is not among --hosts"
-         : run.spent ? ": the deadline or the request budget ran out first"
-                     : ": no readable page came back"));
-  PrintRun(o, run);
-  return 0;
+// Why nothing could be read, or empty when the run read something. Nothing
+// could be read when the estimate is 0 and at most the entry was asked for
+// (its redirects included). A read entry page can give 0 as well (a listing
+// whose pages hold no crawlable link), but finding that listing's last page
+// takes probes, so such a run has fetched more pages.
+std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
+  if (run.estimate != 0 || run.fetches > 1) return "";
+  OrvString url, reason;
+  OrvHttpLimits::GetLastFailure(url, reason);
+  if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty())
+    return "its host is not among --hosts";
+  if (run.spent) return "the deadline or the request budget ran out first";
+  std::string why(reason.buf ? reason.buf : "", size_t(reason.len));
+  if (why.rfind("refused by robots.txt", 0) == 0) return why;
+  return "no readable page came back";
+}
+
+// One site in a run of its own, bound to the calling thread. Gives its
+// output, or sets error.
+std::string EstimateSite(EstimateOptions o, const std::string& url, bool showProgress,
+                         std::string& error) {
+  o.url = url;
+  OrvHttpRun httpRun;
+  httpRun.Bind();
+  EstimateRun run = Estimate(o, showProgress);
+  error = FailureOf(o, run);
+  if (error.empty()) return RunText(o, run);
+  error = "cannot read " + url + ": " + error;
+  if (!o.json) return "url:      " + url + "\nerror:    " + error + "\n";
+  nlohmann::ordered_json out;
+  out["url"] = url;
+  out["error"] = error;
+  return Dump(out);
+}
+
+int RunEstimate(EstimateOptions& o) {
+  std::vector<std::string> urls = o.urls;
+  if (!o.from.empty())
+    ForEachInputLine(ReadInput(o.from), [&](std::string_view line) {
+      // Blanks around a URL are no part of it; a blank line names no site.
+      size_t first = line.find_first_not_of(" \t"), last = line.find_last_not_of(" \t");
+      if (first != std::string_view::npos) urls.emplace_back(line.substr(first, last - first + 1));
+    });
+  if (urls.empty() && o.from.empty()) {
+    std::cerr << "orvwebpage: URL is required" << std::endl;  // a usage error, like CLI11's
+    return 2;
+  }
+  if (urls.empty()) throw CommandError("no URL in " + o.from);
+  if (urls.size() == 1 && o.from.empty()) {
+    std::string error;
+    std::string text = EstimateSite(o, urls[0], true, error);
+    if (!error.empty()) throw CommandError(error);
+    std::cout << text;
+    return 0;
+  }
+
+  // Sites are taken in input order by the workers and printed in that order
+  // as soon as each one and those before it are done.
+  struct Site {
+    std::string text, error;
+    bool done = false;
+  };
+  std::vector<Site> sites(urls.size());
+  std::mutex lock;
+  size_t next = 0, printed = 0;
+  bool failed = false;
+  auto work = [&] {
+    for (;;) {
+      size_t i;
+      {
+        std::lock_guard<std::mutex> hold(lock);
+        if (next >= urls.size()) return;
+        i = next++;
+      }
+      std::string error;
+      std::string text = EstimateSite(o, urls[i], false, error);
+      std::lock_guard<std::mutex> hold(lock);
+      sites[i].text = std::move(text);
+      sites[i].error = std::move(error);
+      sites[i].done = true;
+      for (; printed < sites.size() && sites[printed].done; printed++) {
+        Site& site = sites[printed];
+        if (!site.error.empty()) {
+          failed = true;
+          std::cerr << "orvwebpage: " << site.error << std::endl;
+        }
+        if (!o.json && printed > 0) std::cout << "\n";
+        std::cout << site.text << std::flush;
+        site.text.clear();
+      }
+    }
+  };
+  size_t workers = std::min(urls.size(), size_t(o.jobs));
+  std::vector<std::thread> threads;
+  for (size_t i = 1; i < workers; i++) threads.emplace_back(work);
+  work();
+  for (std::thread& t : threads) t.join();
+  return failed ? 1 : 0;
 }
 
 }  // namespace
@@ -235,7 +342,12 @@ Command AddEstimateCommand(CLI::App& parent) {
   auto* app = parent.add_subcommand("estimate",
                                     "Estimate how many pages a site holds, crawling it from URL");
   auto o = std::make_shared<EstimateOptions>();
-  app->add_option("URL", o->url, "entry URL of the site")->required();
+  app->add_option("URL", o->urls, "entry URL of a site; several are estimated one after another");
+  app->add_option("--from", o->from, "also read entry URLs from FILE, one a line (- for stdin)");
+  app->add_option("--jobs", o->jobs, "estimate N sites at once, each with its own limits")
+      ->check(CLI::Range(1, 256));
+  app->add_flag("--ignore-robots", o->ignoreRobots,
+                "do not read robots.txt, nor keep to what it refuses");
   app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
       ->check(CLI::PositiveNumber);
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
@@ -247,7 +359,8 @@ Command AddEstimateCommand(CLI::App& parent) {
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
       ->check(kHostPatterns);
-  app->add_flag("--json", o->json, "print one JSON document: url, estimate, requests, seconds");
+  app->add_flag("--json", o->json,
+                "print one JSON document a site, one a line: url, estimate, requests, seconds");
   app->add_flag("--explain", o->explain,
                 "also print what the estimate is made of: its shapes, and each listing's pager "
                 "and probes");

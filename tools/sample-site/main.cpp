@@ -4,6 +4,7 @@
 #include <signal.h>
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <mutex>
@@ -66,6 +67,7 @@ struct SiteOptions {
   std::string profileName = "mixed";
   std::string logPath;
   int64_t pages = 12000;
+  int latencyMs = 0;
 };
 
 void AddOptions(CLI::App& app, SiteOptions& options) {
@@ -80,6 +82,9 @@ void AddOptions(CLI::App& app, SiteOptions& options) {
                  "file that gets one line per request: its path and query");
   app.add_option("--pages", options.pages, "about how many pages the mixed profile has")
       ->check(CLI::Range(int64_t(1), int64_t(5000000)));
+  app.add_option("--latency", options.latencyMs,
+                 "milliseconds every answer waits before it goes out, as a far server's would")
+      ->check(CLI::Range(0, 60000));
   app.footer(ProfileHelp());
 }
 
@@ -130,6 +135,8 @@ int main(int argc, char** argv) {
   server.set_tcp_nodelay(true);  // small answers must not wait for the next ACK
   server.Get(".*", [&](const httplib::Request& request, httplib::Response& response) {
     log.Write(request.target);
+    if (options.latencyMs > 0)
+      std::this_thread::sleep_for(std::chrono::milliseconds(options.latencyMs));
     SiteRequest target = ParseTarget(request.target);
     target.root = root;
     SitePage page = profile->Serve(target);

@@ -11,6 +11,7 @@
 #include "core/OrvStrMap.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "platform/http/OrvHostPatterns.h"
+#include "platform/http/OrvHttpShare.h"
 #include "platform/http/OrvRobotsTxt.h"
 
 using OrvHttpClock = std::chrono::steady_clock;
@@ -20,6 +21,7 @@ struct OrvHttpOrigin {
   OrvRobotsTxt robots;
   int robotsRead = 0;   // robots holds the origin's answer
   int robotsFound = 0;  // and it was a file, not an error
+  OrvString refusal;    // why it refuses a URL: its rules, or an error reading it
   bool hasStarted = false;
   OrvHttpClock::time_point lastStart;  // of the latest request there, for Crawl-delay
 };
@@ -45,6 +47,7 @@ struct OrvHttpRunState {
   std::atomic<int64_t> fetches{0};
   std::atomic<int64_t> bytes{0};
   std::atomic<int> stopped{0};
+  OrvHttpShare share;  // connections, DNS and TLS sessions of the run's clients
 
   std::mutex robotsLock;
   OrvStrMap<int32_t> originIndex;  // "scheme://host:port" to its place in origins

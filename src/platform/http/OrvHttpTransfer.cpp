@@ -108,8 +108,11 @@ ORV_HTTP_STATUS Transfer(OrvHttpSession& s, const OrvHttpAdmission& admission, i
                                     int64_t(admission.settings.requestTimeoutMs) - transferMs));
 
   SetOptions(s, admission, timeoutMs);
+  // Held for this transfer only, so that the run may end before the client.
+  curl_easy_setopt(s.curl, CURLOPT_SHARE, s.run->share.Get());
   OrvHttpClock::time_point start = OrvHttpClock::now();
   code = curl_easy_perform(s.curl);
+  curl_easy_setopt(s.curl, CURLOPT_SHARE, nullptr);
   transferMs +=
       std::chrono::duration_cast<std::chrono::milliseconds>(OrvHttpClock::now() - start).count();
   long responseCode = 0;
@@ -168,7 +171,7 @@ ORV_HTTP_STATUS OrvSessionFetch(OrvHttpSession& s, OrvHttpRunState& run, const O
       if (status != ORV_HTTP_OK) return Fail(s, status, why.buf);
       if (!allowed) {
         OrvHttpNoteRobotsRefused(run, s.url.buf);
-        return Fail(s, ORV_HTTP_ROBOTS_REFUSED, "refused by robots.txt");
+        return Fail(s, ORV_HTTP_ROBOTS_REFUSED, why.buf);
       }
     }
     OrvHttpAdmission admission;

@@ -79,6 +79,12 @@ ORV_HTTP_STATUS ReadRobots(OrvHttpRunState& run, const OrvRequestTarget& target,
       origin.robots.AllowAll();
       break;
   }
+  origin.refusal = "refused by robots.txt";
+  if (!origin.robotsFound && session.failure.len > 0) {
+    origin.refusal += " (";
+    origin.refusal += session.failure;
+    origin.refusal += ")";
+  }
   origin.robotsRead = 1;
   return ORV_HTTP_OK;
 }
@@ -110,6 +116,7 @@ ORV_HTTP_STATUS OrvRobotsCheck(OrvHttpRunState& run, const OrvRequestTarget& tar
     OrvString path;
     PathOf(url, path);
     allowed = origin->robots.Allows(path.buf, path.len);
+    if (!allowed) why = origin->refusal;
   }
   return ORV_HTTP_OK;
 }
