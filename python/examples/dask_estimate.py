@@ -17,23 +17,24 @@ JSON line per site, in file order: {"url", "estimate", "requests", "seconds"}.
 import argparse
 import json
 import sys
+from typing import Any
 
 from dask.distributed import Client, LocalCluster
 
 
-def estimate_site(url, limits):
+def estimate_site(url: str, limits: dict[str, Any]) -> dict[str, Any]:
     import orvwebpage  # in the worker process
     result = orvwebpage.estimate(url, **limits)
     return {"url": url, "estimate": result.estimate, "requests": result.requests,
             "seconds": round(result.seconds, 3)}
 
 
-def read_sites(path):
+def read_sites(path: str) -> list[str]:
     with open(path, encoding="utf-8") as lines:
         return [s for s in (line.strip() for line in lines) if s and not s.startswith("#")]
 
 
-def print_estimates(client, sites, limits):
+def print_estimates(client: Any, sites: list[str], limits: dict[str, Any]) -> None:
     # The limits are each call's own, so workers with several threads run
     # that many estimates side by side, each within its own limits.
     futures = client.map(estimate_site, sites, limits=limits, pure=False)
@@ -41,7 +42,7 @@ def print_estimates(client, sites, limits):
         print(json.dumps(future.result()), flush=True)
 
 
-def main():
+def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("sites", help="file of entry URLs, one a line")
     parser.add_argument("--scheduler", help="address of a running Dask scheduler")

@@ -12,45 +12,41 @@ Writes one JSON line per page read: {"url": ..., "status": ...}.
 
 import argparse
 import urllib.parse
+from typing import Any, Iterator
 
-import orvwebpage
 import scrapy
+from orvwebpage.scrapy import ShapeLinkExtractor
 from scrapy.crawler import CrawlerProcess
 
 
 class ShapeSpider(scrapy.Spider):
     name = "shape"
 
-    def __init__(self, start_url, per_class=2, **kwargs):
+    def __init__(self, start_url: str, per_class: int = 2, **kwargs: Any) -> None:
         super().__init__(**kwargs)
         self.start_urls = [start_url]
-        self.per_class = per_class
-        self.site = urllib.parse.urlsplit(start_url).netloc
-        self.seen_classes = set()
+        site = urllib.parse.urlsplit(start_url)
+        self.links = ShapeLinkExtractor(allow_domains=[site.hostname or ""], per_shape=per_class,
+                                        entry=start_url)
+        self.port = site.port
+        self.seen_classes: set[str] = set()
 
-    def start_requests(self):
+    def start_requests(self) -> Iterator[Any]:
         # Filtered like any other request, so a link home is not read twice.
         yield scrapy.Request(self.start_urls[0], callback=self.parse)
 
-    def parse(self, response):
+    def parse(self, response: Any) -> Iterator[Any]:
         yield {"url": response.url, "status": response.status}
-        if not isinstance(response, scrapy.http.TextResponse):
-            return
-        links = []
-        for anchor in response.css("a[href]"):
-            url = response.urljoin(anchor.attrib["href"])
-            parts = urllib.parse.urlsplit(url)
-            if parts.scheme in ("http", "https") and parts.netloc == self.site:
-                links.append((url, " ".join(anchor.css("::text").getall()).strip()))
-        for link_class in orvwebpage.classify_links(links, entry=self.start_urls[0]):
-            if link_class.key in self.seen_classes:
+        for key, links in self.links.shape_links(response).items():
+            if key in self.seen_classes:
                 continue
-            self.seen_classes.add(link_class.key)
-            for link in link_class.links[:self.per_class]:
-                yield response.follow(link.url, callback=self.parse)
+            self.seen_classes.add(key)
+            for link in links:
+                if urllib.parse.urlsplit(link.url).port == self.port:
+                    yield response.follow(link, callback=self.parse)
 
 
-def main():
+def main() -> None:
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("url", help="where the crawl starts")
     parser.add_argument("--per-class", type=int, default=2, help="links followed per new class")

@@ -19,17 +19,18 @@ import argparse
 import json
 import sys
 from concurrent.futures import ThreadPoolExecutor
+from typing import Any
 
 import orvwebpage
 
 
-def read_sites(path):
+def read_sites(path: str) -> list[str]:
     lines = sys.stdin if path == "-" else open(path, encoding="utf-8")
     with lines:
         return [s for s in (line.strip() for line in lines) if s and not s.startswith("#")]
 
 
-def estimate_site(url, limits):
+def estimate_site(url: str, limits: dict[str, Any]) -> dict[str, Any]:
     result = orvwebpage.estimate(url, **limits)
     if result.estimate == 0:
         return {"url": url, "error": "no readable page came back"}
@@ -37,7 +38,7 @@ def estimate_site(url, limits):
             "seconds": round(result.seconds, 3)}
 
 
-def main():
+def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("sites", help="file of entry URLs, one a line; - for stdin")
     parser.add_argument("--jobs", type=int, default=8, help="sites at once (default 8)")
@@ -47,7 +48,7 @@ def main():
     parser.add_argument("--ignore-robots", action="store_true",
                         help="do not read robots.txt, nor keep to what it refuses")
     args = parser.parse_args()
-    limits = {k: v for k, v in (("max_requests", args.max_requests), ("deadline", args.deadline),
+    limits: dict[str, Any] = {k: v for k, v in (("max_requests", args.max_requests), ("deadline", args.deadline),
                                 ("delay", args.delay)) if v is not None}
     limits["obey_robots"] = not args.ignore_robots
     failed = False

@@ -15,6 +15,7 @@ void AddLinks(pybind11::module_& m);
 void AddSearch(pybind11::module_& m);
 void AddNodes(pybind11::module_& m);
 void AddEstimate(pybind11::module_& m);
+void AddPageLinks(pybind11::module_& m);
 void AddSize(pybind11::module_& m);
 
 // The limits of a crawl from a Python call's arguments; ValueError when one is out of range.

@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "Bindings.h"
+#include "EstimateExplain.h"
 #include "PyText.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttpRun.h"
@@ -24,6 +25,9 @@ namespace orvpy {
 namespace {
 
 PyTypeObject* resultType = nullptr;
+PyTypeObject* shapeType = nullptr;
+PyTypeObject* listingType = nullptr;
+PyTypeObject* probeType = nullptr;
 
 constexpr double kMaxSeconds = 1e6;
 constexpr auto kSlice = std::chrono::milliseconds(50);
@@ -68,6 +72,9 @@ namespace {
 // nothing of it, since the caller always joins.
 struct Crawl {
   std::string url;
+  std::string hosts;  // empty: every host
+  bool explain = false, hostsRefused = false;
+  Explanation explanation;
   OrvHttpSettings settings;
   OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvWebPageCountEstimate estimator;
@@ -82,7 +89,8 @@ struct Crawl {
     httpRun.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
-      if (!stopRequested) {
+      hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
+      if (!stopRequested && !hostsRefused) {
         OrvHttpLimits::ResetCounters();
         OrvHttpLimits::Set(settings);  // starts the deadline's clock
         started = true;
@@ -94,6 +102,7 @@ struct Crawl {
       seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
       requests = OrvHttpLimits::GetRequests();
       bytes = OrvHttpLimits::GetBytes();
+      if (explain) explanation = ReadExplanation(estimator);
     }
     httpRun.Unbind();
     std::lock_guard<std::mutex> guard(lock);
@@ -118,16 +127,94 @@ struct Crawl {
   }
 };
 
+// "a.test,*.b.test:8080" from a text or an iterable of texts.
+std::string HostPatterns(const py::object& hosts) {
+  if (hosts.is_none()) return "";
+  if (py::isinstance<py::str>(hosts) || py::isinstance<py::bytes>(hosts)) {
+    TextView view = ViewTextOrThrow(hosts, "hosts");
+    return std::string(view.data, size_t(view.size));
+  }
+  if (!py::isinstance<py::iterable>(hosts))
+    throw py::type_error("hosts must be a list of host patterns or one text");
+  std::string joined;
+  for (py::handle host : hosts) {
+    TextView view = ViewTextOrThrow(host, "a host pattern");
+    if (!joined.empty()) joined += ',';
+    joined.append(view.data, size_t(view.size));
+  }
+  return joined;
+}
+
+PyObject* NoneRef() {
+  Py_INCREF(Py_None);
+  return Py_None;
+}
+
+PyObject* NewRecord(PyTypeObject* type, std::initializer_list<PyObject*> fields) {
+  PyObject* record = PyStructSequence_New(type);
+  if (!record) {
+    for (PyObject* field : fields) Py_XDECREF(field);
+    throw py::error_already_set();
+  }
+  Py_ssize_t i = 0;
+  bool failed = false;
+  for (PyObject* field : fields) {
+    if (!field) {
+      failed = true;
+      field = NoneRef();
+    }
+    PyStructSequence_SET_ITEM(record, i++, field);
+  }
+  if (failed) {
+    Py_DECREF(record);
+    throw py::error_already_set();
+  }
+  return record;
+}
+
+PyObject* Str(const std::string& s) { return NewText(s.data(), Py_ssize_t(s.size()), false); }
+
+py::list Shapes(const Explanation& explanation) {
+  py::list shapes;
+  for (const ExplainedShape& s : explanation.shapes) {
+    PyObject* listing = s.listing >= 0 ? PyLong_FromLong(s.listing) : NoneRef();
+    shapes.append(py::reinterpret_steal<py::object>(NewRecord(
+        shapeType,
+        {Str(s.key), Str(KindName(s.kind)), PyBool_FromLong(s.read), PyLong_FromLong(s.estimate),
+         PyLong_FromLong(s.sightings), PyLong_FromLong(s.pages), Str(s.url), listing})));
+  }
+  return shapes;
+}
+
+py::list Listings(const Explanation& explanation) {
+  py::list listings;
+  for (const ExplainedListing& l : explanation.listings) {
+    py::list probes;
+    for (const OrvEstimateProbe& p : l.probes)
+      probes.append(py::reinterpret_steal<py::object>(
+          NewRecord(probeType, {PyLong_FromLong(p.page), Str(OutcomeName(p.outcome)),
+                                PyLong_FromLong(p.httpStatus), PyLong_FromLong(p.lastNumber)})));
+    listings.append(py::reinterpret_steal<py::object>(NewRecord(
+        listingType,
+        {Str(l.key), Str(l.url), Str(l.param), PyLong_FromLong(l.step), PyLong_FromLong(l.offset),
+         probes.release().ptr(), PyLong_FromLong(l.lastPage), PyLong_FromLong(l.urlCount)})));
+  }
+  return listings;
+}
+
 py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                     std::optional<double> timeout, std::optional<double> deadline,
                     std::optional<double> delay, const std::optional<std::string>& userAgent,
-                    const py::object& stop, bool obeyRobots) {
+                    const py::object& stop, bool obeyRobots, const py::object& hosts,
+                    bool explain) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
   crawl->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
+  crawl->hosts = HostPatterns(hosts);
+  crawl->explain = explain;
 
   std::thread worker([crawl] { crawl->Run(); });
   std::optional<py::error_already_set> failure;
@@ -156,6 +243,8 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
     worker.join();
   }
   if (failure) throw *failure;
+  if (crawl->hostsRefused)
+    throw py::value_error("hosts holds a malformed pattern: " + crawl->hosts);
 
   PyObject* result = PyStructSequence_New(resultType);
   if (!result) throw py::error_already_set();
@@ -164,6 +253,10 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
   PyStructSequence_SET_ITEM(result, 2, PyLong_FromLongLong(crawl->bytes));
   PyStructSequence_SET_ITEM(result, 3, PyFloat_FromDouble(crawl->seconds));
   PyStructSequence_SET_ITEM(result, 4, PyBool_FromLong(stopped));
+  PyStructSequence_SET_ITEM(result, 5,
+                            explain ? Shapes(crawl->explanation).release().ptr() : NoneRef());
+  PyStructSequence_SET_ITEM(result, 6,
+                            explain ? Listings(crawl->explanation).release().ptr() : NoneRef());
   return py::reinterpret_steal<py::object>(result);
 }
 
@@ -172,12 +265,22 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
 void AddEstimate(py::module_& m) {
   resultType = NewRecordType(
       m, "EstimateResult",
-      "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event)",
-      {"estimate", "requests", "bytes", "seconds", "stopped"}, 2);
+      "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event), "
+      "shapes and listings (with explain=True, else None)",
+      {"estimate", "requests", "bytes", "seconds", "stopped", "shapes", "listings"}, 2);
+  shapeType =
+      NewRecordType(m, "EstimateShape", "One URL shape of an estimate, largest first",
+                    {"key", "kind", "read", "estimate", "sightings", "pages", "url", "listing"});
+  listingType =
+      NewRecordType(m, "EstimateListing", "A listing's pager and the search for its last page",
+                    {"key", "url", "param", "step", "offset", "probes", "last_page", "urls"});
+  probeType = NewRecordType(m, "EstimateProbe", "One probe of a listing's last-page search",
+                            {"page", "outcome", "status", "last"});
   m.def("estimate", &Estimate, py::arg("url"), py::arg("max_requests") = py::none(),
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(), py::arg("obey_robots") = true,
+        py::arg("stop") = py::none(), py::arg("obey_robots") = true, py::arg("hosts") = py::none(),
+        py::arg("explain") = false,
         R"(Estimates how many pages the site at url holds by crawling it.
 
 Returns EstimateResult(estimate, requests); estimate 0 when nothing could be read.
@@ -187,6 +290,9 @@ user_agent: the User-Agent header; stop: a threading.Event that ends the crawl
 early when set. Ctrl-C ends it too and raises KeyboardInterrupt.
 obey_robots: read each origin's robots.txt (one request, counted) and fetch
 nothing it refuses; False turns that off.
+hosts: the only hosts requests may go to, e.g. ["site.test", "*.site.test:8080"]
+(as the tool's --hosts); explain: fill result.shapes and result.listings with
+what the estimate is made of (as the tool's --explain --json).
 
 The crawl runs without the GIL, with limits and counters of its own: calls on
 several threads run side by side, each within its own limits.)");

@@ -1,6 +1,7 @@
 #include <vector>
 
 #include "Bindings.h"
+#include "orvwebpage/OrvVersion.h"
 
 namespace orvpy {
 
@@ -21,16 +22,18 @@ PyTypeObject* NewRecordType(pybind11::module_& m, const char* name, const char* 
 
 }  // namespace orvpy
 
-PYBIND11_MODULE(orvwebpage, m) {
+PYBIND11_MODULE(_orvwebpage, m) {
   m.doc() = R"(Web-page analysers: URL shapes, link classes, URL search, visible-text
 classes and site page-count estimates.
 
 Texts: str or bytes in; out in the same kind. str input goes in as UTF-8, and
 library bytes that are not UTF-8 come out of it with U+FFFD; bytes stay bytes.)";
+  m.attr("__version__") = ORV_VERSION;
   orvpy::AddUrl(m);
   orvpy::AddLinks(m);
   orvpy::AddSearch(m);
   orvpy::AddNodes(m);
   orvpy::AddEstimate(m);
   orvpy::AddSize(m);
+  orvpy::AddPageLinks(m);
 }

@@ -5,69 +5,91 @@
 #include <vector>
 
 #include "Bindings.h"
+#include "PyPage.h"
 #include "PyText.h"
 #include "orvwebpage/OrvHtml.h"
-#include "orvwebpage/OrvWebPageVisibleNodes.h"
+#include "orvwebpage/OrvVisibleBlocks.h"
 
 namespace orvpy {
 namespace {
 
 using Piece = std::pair<const char*, Py_ssize_t>;
 
-py::tuple VisibleNodes(const py::object& page, const std::string& charset) {
-  bool keepBytes = charset == "bytes";
-  if (!keepBytes && charset != "utf-8")
-    throw py::value_error("charset must be \"utf-8\" or \"bytes\", not \"" + charset + "\"");
-  TextView view = ViewTextOrThrow(page, "page");
-  // The parser works on a copy it may change. A str is decoded already, so
-  // for texts as str it goes in as ASCII with character references, which
-  // read the same whatever charset the page declares.
-  std::string text;
-  if (!view.isBytes && !keepBytes) {
-    py::object ascii = py::reinterpret_steal<py::object>(
-        PyUnicode_AsEncodedString(page.ptr(), "ascii", "xmlcharrefreplace"));
-    if (!ascii) throw py::error_already_set();
-    text.assign(PyBytes_AS_STRING(ascii.ptr()), size_t(PyBytes_GET_SIZE(ascii.ptr())));
-    if (text.starts_with("&#65279;")) text.erase(0, 8);  // a byte-order mark left in
-  } else {
-    text.assign(view.data, size_t(view.size));
-  }
-  ORV_CHARSET parse = keepBytes ? ORV_CHARSET_BYTES : ORV_CHARSET_UTF8;
+PyTypeObject* blockType = nullptr;
 
+struct TextClass {
+  std::string path;
+  std::vector<Piece> texts;
+};
+
+// The classes as texts of the kind the charset asks for, and whether those
+// are bytes; the last class is the page.
+std::pair<std::vector<py::list>, std::vector<py::object>> ReadClasses(const py::object& page,
+                                                                      const std::string& charset,
+                                                                      bool& keepBytes) {
+  PageForParse parse = PreparePage(page, charset);
+  keepBytes = parse.keepBytes;
+  std::string& text = parse.text;
   OrvHtml doc;
-  OrvWebPageVisibleNodes nodes;
-  std::vector<std::vector<Piece>> classes;
+  OrvVisibleBlocks blocks;
+  std::vector<TextClass> classes;
   {
     py::gil_scoped_release released;
-    if (doc.Open(text.data(), long(text.size()), parse) == 0) {
-      nodes.ClassifyNodes(doc.root);
-      for (int c = 0; c < nodes.GetClassCount(); c++) {
-        void* handle = nodes.FetchClass(c);
-        auto& texts = classes.emplace_back();
-        for (int i = 0; i < nodes.GetNodesCount(handle); i++) {
-          var_item* item = nullptr;
-          if (nodes.FetchNode(handle, i, item))
-            texts.emplace_back(item->text, MeasuredLen(item->text, item->text_len));
+    if (doc.Open(text.data(), long(text.size()), parse.charset) == 0) {
+      blocks.Read(doc.root);
+      OrvString path;
+      for (int c = 0; c < blocks.GetClassCount(); c++) {
+        TextClass& out = classes.emplace_back();
+        blocks.GetPath(c, path);
+        out.path.assign(path.buf, size_t(path.len));
+        for (int i = 0; i < blocks.GetTextCount(c); i++) {
+          const char* piece = nullptr;
+          int32_t length = 0;
+          if (blocks.GetText(c, i, piece, length)) out.texts.emplace_back(piece, length);
         }
       }
     }
   }
-  auto toList = [keepBytes](const std::vector<Piece>& texts) {
-    py::list list(texts.size());
-    for (size_t i = 0; i < texts.size(); i++)
+  std::pair<std::vector<py::list>, std::vector<py::object>> out;
+  for (const TextClass& c : classes) {
+    py::list list(c.texts.size());
+    for (size_t i = 0; i < c.texts.size(); i++)
       PyList_SET_ITEM(list.ptr(), Py_ssize_t(i),
-                      MakeText(texts[i].first, texts[i].second, keepBytes).release().ptr());
-    return list;
-  };
+                      MakeText(c.texts[i].first, c.texts[i].second, keepBytes).release().ptr());
+    out.first.push_back(std::move(list));
+    out.second.push_back(MakeText(c.path.data(), Py_ssize_t(c.path.size()), keepBytes));
+  }
+  return out;
+}
+
+py::tuple VisibleNodes(const py::object& page, const std::string& charset) {
+  bool keepBytes = false;
+  auto [texts, paths] = ReadClasses(page, charset, keepBytes);
   py::list blocks;
-  for (size_t c = 0; c + 1 < classes.size(); c++) blocks.append(toList(classes[c]));
-  py::list all = classes.empty() ? py::list() : toList(classes.back());
-  return py::make_tuple(blocks, all);
+  for (size_t c = 0; c + 1 < texts.size(); c++) blocks.append(texts[c]);
+  return py::make_tuple(blocks, texts.empty() ? py::list() : texts.back());
+}
+
+py::tuple VisibleBlocks(const py::object& page, const std::string& charset) {
+  bool keepBytes = false;
+  auto [texts, paths] = ReadClasses(page, charset, keepBytes);
+  py::list blocks;
+  for (size_t c = 0; c + 1 < texts.size(); c++) {
+    PyObject* block = PyStructSequence_New(blockType);
+    if (!block) throw py::error_already_set();
+    PyStructSequence_SET_ITEM(block, 0, paths[c].release().ptr());
+    PyStructSequence_SET_ITEM(block, 1, texts[c].release().ptr());
+    blocks.append(py::reinterpret_steal<py::object>(block));
+  }
+  return py::make_tuple(blocks, texts.empty() ? py::list() : texts.back());
 }
 
 }  // namespace
 
 void AddNodes(py::module_& m) {
+  blockType =
+      NewRecordType(m, "Block", "A repeated block of a page: the path of its element and its texts",
+                    {"path", "texts"});
   m.def("visible_nodes", &VisibleNodes, py::arg("page"), py::arg("charset") = "utf-8",
         R"(The visible texts of an HTML page: (blocks, page), where blocks holds one list of
 texts per repeated block and page every visible text, grouped by depth.
@@ -76,6 +98,11 @@ page: str or bytes. charset "utf-8": a bytes page is decoded by its declaration,
 a str page is read as it is, and texts come back as str. charset "bytes": the
 page's bytes (a str page's UTF-8) are kept as they are and texts come back as
 bytes.)");
+  m.def("visible_blocks", &VisibleBlocks, py::arg("page"), py::arg("charset") = "utf-8",
+        R"(visible_nodes with the place of each block: (blocks, page), where each block is a
+Block(path, texts) and path the element that holds the block's texts, from the
+root, as a CSS selector writes it ("html > body > div#main > ul.posts").
+Texts and paths are of the kind visible_nodes gives for the charset.)");
 }
 
 }  // namespace orvpy

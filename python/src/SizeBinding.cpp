@@ -115,7 +115,7 @@ py::dict Explanation(const OrvSiteSize& size) {
 py::object Size(const py::object& url, int64_t maxRequests, std::optional<double> timeout,
                 std::optional<double> deadline, std::optional<double> delay,
                 const std::optional<std::string>& userAgent, const py::object& stop,
-                bool ignoreRobots) {
+                bool obeyRobots) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
@@ -123,8 +123,7 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   auto sizing = std::make_shared<Sizing>();
   sizing->url.assign(view.data, size_t(view.size));
   sizing->maxRequests = maxRequests;
-  sizing->settings =
-      MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, !ignoreRobots);
+  sizing->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
 
   std::thread worker([sizing] { sizing->Run(); });
   std::optional<py::error_already_set> failure;
@@ -194,13 +193,13 @@ void AddSize(py::module_& m) {
   m.def("size", &Size, py::arg("url"), py::arg("max_requests") = 60,
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(), py::arg("ignore_robots") = false,
+        py::arg("stop") = py::none(), py::arg("obey_robots") = true,
         R"(How many pages the site at url holds: its sitemaps, a crawl of its listings
 and the exact estimate, combined into one figure with its source and range.
 
 Returns SizeResult(pages, low, high, source); source is "sitemap", "crawl",
 "exact", or "none" when nothing could be read. max_requests: the whole run's
-request budget (60); robots.txt is obeyed unless ignore_robots; the other
+request budget (60); robots.txt is obeyed unless obey_robots is False; the other
 arguments as for estimate(). Runs without the
 GIL, on HTTP limits and counters of its own.)");
 }

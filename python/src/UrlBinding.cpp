@@ -2,6 +2,7 @@
 
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "Bindings.h"
@@ -98,6 +99,37 @@ py::dict Keys(const PyUrl& url, const py::object& entry) {
   return keys;
 }
 
+// The parts as they stand, as bytes, so an edited or bytes Url comes back
+// byte for byte: (is_bytes, url, scheme, host, dirs, stem, ext, params).
+py::bytes Raw(const OrvString& s) {
+  return py::bytes(s.len > 0 ? s.buf : "", size_t(std::max(s.len, 0)));
+}
+
+py::tuple GetState(const PyUrl& u) {
+  const OrvWebPageUrl& r = u.record;
+  py::list dirs, params;
+  for (int32_t i = 0; i < r.dirs.count; i++)
+    dirs.append(py::bytes(r.dirs[i], size_t(r.dirs.GetStringLen(i))));
+  for (int32_t i = 0; i < r.paramCount; i++)
+    params.append(py::make_tuple(Raw(r.params[i].name), Raw(r.params[i].value)));
+  return py::make_tuple(u.isBytes, Raw(r.url), Raw(r.scheme), Raw(r.host), dirs, Raw(r.stem),
+                        Raw(r.ext), params);
+}
+
+PyUrl SetState(const py::tuple& state) {
+  if (state.size() != 8) throw py::value_error("not the state of a Url");
+  PyUrl u;
+  u.isBytes = state[0].cast<bool>();
+  SetText(u.record.url, state[1], "url");
+  SetText(u.record.scheme, state[2], "scheme");
+  SetText(u.record.host, state[3], "host");
+  SetDirs(u, state[4]);
+  SetText(u.record.stem, state[5], "stem");
+  SetText(u.record.ext, state[6], "ext");
+  SetParams(u, state[7]);
+  return u;
+}
+
 }  // namespace
 
 void AddUrl(py::module_& m) {
@@ -142,6 +174,7 @@ sort orders the query parameters by name, as link classification does.)")
            R"(The shape keys as a dict: 'host', 'path', 'extension' and 'query' of the parts
 as they stand (the link-class levels), and 'shape', the search key of `url`'s text.
 entry: the entry URL whose domain counts as the site.)")
+      .def(py::pickle(&GetState, &SetState))
       .def("__str__", [](const PyUrl& u) { return u.Text(u.record.url); })
       .def("__repr__",
            [](const PyUrl& u) { return py::str("Url({!r})").format(u.Text(u.record.url)); });

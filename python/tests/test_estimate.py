@@ -1,10 +1,13 @@
 import _thread
+import json
+import pickle
+import subprocess
 import threading
 import time
 
 import orvwebpage
 import pytest
-from conftest import tool_estimate
+from conftest import BIN_DIR, tool_estimate
 
 
 @pytest.mark.parametrize("profile", ["example", "offset", "single"])
@@ -60,6 +63,33 @@ def test_stop_event_and_ctrl_c_end_the_crawl_early(sample_site):
     assert time.monotonic() - start < 2
 
 
+# The explanation holds what --explain --json gives, field for field, and
+# pickles whole; hosts confine the crawl as --hosts does.
+@pytest.mark.parametrize("profile", ["example", "offset"])
+def test_explanation_and_hosts_equal_the_tools(sample_site, profile):
+    site = sample_site("--profile", profile)
+    out = subprocess.run([str(BIN_DIR / "orvwebpage"), "estimate", "--json", "--explain",
+                          "--hosts", "127.0.0.1", site.url],
+                         capture_output=True, text=True, timeout=120, check=True).stdout
+    want = json.loads(out)
+    result = orvwebpage.estimate(site.url, hosts=["127.0.0.1"], explain=True)
+    assert (result.estimate, result.requests) == (want["estimate"], want["requests"])
+    assert [dict(zip(s.__match_args__, s)) for s in result.shapes] == want["shapes"]
+    listings = [dict(zip(ls.__match_args__, ls), probes=[dict(zip(p.__match_args__, p))
+                                                         for p in ls.probes])
+                for ls in result.listings]
+    for listing in want["listings"]:
+        listing["last_page"] = listing.pop("lastPage")
+    assert listings == want["listings"] and listings
+    again = pickle.loads(pickle.dumps(result))
+    assert [tuple(again) + (again.bytes, again.seconds, again.stopped, again.shapes,
+                            again.listings)] == \
+        [tuple(result) + (result.bytes, result.seconds, result.stopped, result.shapes,
+                          result.listings)]
+    assert orvwebpage.estimate(site.url).shapes is None
+    assert tuple(orvwebpage.estimate(site.url, hosts="elsewhere.test,*.other.test")) == (0, 0)
+
+
 @pytest.mark.parametrize("kwargs,error", [
     ({"url": 5}, TypeError),
     ({"url": "http://127.0.0.1:1/", "timeout": "slow"}, TypeError),
@@ -71,6 +101,8 @@ def test_stop_event_and_ctrl_c_end_the_crawl_early(sample_site):
     ({"url": "http://127.0.0.1:1/", "delay": -1}, ValueError),
     ({"url": "http://127.0.0.1:1/", "user_agent": "a\nb"}, ValueError),
     ({"url": "http://127.0.0.1:1/", "user_agent": "x" * 256}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "hosts": ["bad host!"]}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "hosts": [5]}, TypeError),
 ])
 def test_misuse(kwargs, error):
     with pytest.raises(error):

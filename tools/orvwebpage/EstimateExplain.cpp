@@ -7,6 +7,8 @@ namespace {
 
 std::string FromOrv(const OrvString& s) { return s.buf ? std::string(s.buf, size_t(s.len)) : ""; }
 
+}  // namespace
+
 const char* KindName(int kind) {
   switch (kind) {
     case ORV_PAGE_CONTENT:
@@ -32,6 +34,8 @@ const char* OutcomeName(int outcome) {
       return "unfetched";
   }
 }
+
+namespace {
 
 // "100 404", "50 ok to 60", "7 no pager".
 std::string ProbeText(const OrvEstimateProbe& probe) {

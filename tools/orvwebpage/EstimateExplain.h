@@ -37,6 +37,10 @@ struct Explanation {
   std::vector<ExplainedListing> listings;
 };
 
+// The words --explain uses for an ORV_PAGE_STATE and an ORV_PROBE_OUTCOME.
+const char* KindName(int kind);
+const char* OutcomeName(int outcome);
+
 Explanation ReadExplanation(OrvWebPageCountEstimate& estimator);
 // One line per shape, then per listing its pager, its probes and its last page.
 void PrintExplanation(const Explanation& explanation, std::ostream& out);

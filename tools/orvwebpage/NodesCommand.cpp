@@ -8,10 +8,11 @@
 #include "JsonOutput.h"
 #include "PageSource.h"
 #include "orvwebpage/OrvHtml.h"
-#include "orvwebpage/OrvWebPageVisibleNodes.h"
+#include "orvwebpage/OrvVisibleBlocks.h"
 
 // orvwebpage nodes [--json] FILE|URL: the visible texts of a page in classes,
-// one per repeated block and last the whole page.
+// one per repeated block, each with the path of its block, and last the whole
+// page.
 
 namespace {
 
@@ -20,7 +21,11 @@ struct NodesOptions {
   bool json = false;
 };
 
-using TextClasses = std::vector<std::vector<std::string>>;
+struct TextClass {
+  std::string path;  // empty for the page
+  std::vector<std::string> texts;
+};
+using TextClasses = std::vector<TextClass>;
 
 // Texts are copied out while the document is open; the classes only point
 // into it.
@@ -28,19 +33,20 @@ TextClasses ClassifyPage(std::string page, const std::string& contentType) {
   OrvHtml doc;
   if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
     throw CommandError("cannot parse the page");
-  OrvWebPageVisibleNodes nodes;
-  nodes.ClassifyNodes(doc.root);
+  OrvVisibleBlocks blocks;
+  blocks.Read(doc.root);
   TextClasses classes;
-  for (int c = 0; c < nodes.GetClassCount(); c++) {
-    void* handle = nodes.FetchClass(c);
-    auto& texts = classes.emplace_back();
-    for (int i = 0; i < nodes.GetNodesCount(handle); i++) {
-      var_item* item = nullptr;
-      if (nodes.FetchNode(handle, i, item))
-        texts.emplace_back(item->text, size_t(MeasuredLen(item->text, item->text_len)));
+  OrvString path;
+  for (int c = 0; c < blocks.GetClassCount(); c++) {
+    TextClass& out = classes.emplace_back();
+    blocks.GetPath(c, path);
+    out.path.assign(path.buf, size_t(path.len));
+    for (int i = 0; i < blocks.GetTextCount(c); i++) {
+      const char* text = nullptr;
+      int32_t length = 0;
+      if (blocks.GetText(c, i, text, length)) out.texts.emplace_back(text, size_t(length));
     }
   }
-  nodes.ClearNodes();
   doc.Close();
   return classes;
 }
@@ -62,15 +68,17 @@ std::string OneLine(const std::string& text) {
 }
 
 void PrintReadable(const TextClasses& classes) {
-  size_t items = classes.empty() ? 0 : classes.back().size();
+  size_t items = classes.empty() ? 0 : classes.back().texts.size();
   std::cout << classes.size() << (classes.size() == 1 ? " class, " : " classes, ") << items
             << (items == 1 ? " visible text\n" : " visible texts\n");
   for (size_t c = 0; c < classes.size(); c++) {
-    const auto& texts = classes[c];
+    const auto& texts = classes[c].texts;
     bool page = c + 1 == classes.size();
     std::cout << "\n"
               << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts.size()
-              << (texts.size() == 1 ? " text)\n" : " texts)\n");
+              << (texts.size() == 1 ? " text)" : " texts)");
+    if (!page) std::cout << " at " << classes[c].path;
+    std::cout << "\n";
     for (const auto& text : texts) std::cout << "  " << OneLine(text) << "\n";
   }
 }
@@ -81,7 +89,12 @@ int RunNodes(const NodesOptions& options) {
   TextClasses classes = ClassifyPage(std::move(page), contentType);
   if (options.json) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const auto& texts : classes) list.push_back({{"items", texts}});
+    for (size_t c = 0; c < classes.size(); c++) {
+      nlohmann::ordered_json one;
+      if (c + 1 < classes.size()) one["path"] = classes[c].path;
+      one["items"] = classes[c].texts;
+      list.push_back(std::move(one));
+    }
     PrintJson(nlohmann::ordered_json{{"classes", std::move(list)}});
   } else {
     PrintReadable(classes);
