@@ -26,3 +26,5 @@ file(RELATIVE_PATH ORV_PC_TO_PREFIX "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" 
 string(REGEX REPLACE "/$" "" ORV_PC_TO_PREFIX "${ORV_PC_TO_PREFIX}")
 configure_file(cmake/orvwebpage.pc.in ${PROJECT_BINARY_DIR}/orvwebpage.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/orvwebpage.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

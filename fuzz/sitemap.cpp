@@ -1,6 +1,6 @@
 // Sitemap bodies. Input: the whole input is a fetched body, read as it comes
-// and, when it is not gzip already, gzipped and read again; then as a
-// robots.txt. Every location handed on must lie inside its reader's bounds.
+// and, when it is not gzip already, gzipped and read again. Every location
+// handed on must lie inside its reader's bounds.
 
 #include <zlib.h>
 
@@ -9,7 +9,6 @@
 
 #include "FuzzInput.h"
 #include "orvwebpage/OrvString.h"
-#include "size/OrvRobotsSitemaps.h"
 #include "size/OrvSiteScope.h"
 #include "size/OrvSitemapParse.h"
 #include "size/OrvSitemapSource.h"
@@ -53,10 +52,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string packed = Gzip(data, size);
     Parse(packed.data(), long(packed.size()));
   }
-  OrvStrArray sitemaps;
-  int32_t added = OrvReadSitemapLines(body, long(size), 50, sitemaps);
-  if (added != sitemaps.count || added > 50) __builtin_trap();
-  for (int32_t i = 0; i < sitemaps.count; i++)
-    touched += FuzzTouch(sitemaps[i], sitemaps.GetStringLen(i));
   return 0;
 }

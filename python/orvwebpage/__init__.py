@@ -5,6 +5,8 @@ Texts: str or bytes in; out in the same kind. str input goes in as UTF-8, and
 library bytes that are not UTF-8 come out of it with U+FFFD; bytes stay bytes.
 """
 
+__license__ = "Apache-2.0"
+
 from ._orvwebpage import (
     Block as Block,
     EstimateListing as EstimateListing,

@@ -4,7 +4,6 @@
 
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvHttpLimits.h"
-#include "size/OrvRobotsSitemaps.h"
 #include "size/OrvSitemapParse.h"
 #include "size/OrvSitemapSource.h"
 #include "size/OrvSitemapTotals.h"
@@ -22,7 +21,6 @@ struct OrvSitemapState {
   OrvUrlHashSet pagesSeen, sitemapsSeen;
   int64_t pages = 0, low = 0, high = 0;
   int found = 0;
-  OrvString robotsProblem;
   int32_t fetches = 0, requests = 0, maxFetches = 0;
   int budgetSpent = 0;
   OrvTextList kept;  // the sample while it is drawn
@@ -78,7 +76,6 @@ void OrvSitemapState::Reset() {
   pagesSeen.SetLimit(limits.maxDistinctUrls);
   pages = low = high = 0;
   found = 0;
-  robotsProblem.Clear();
   fetches = requests = 0;
   budgetSpent = 0;
   kept.clear();
@@ -246,9 +243,18 @@ void OrvSitemapSize::Read(const char* entryUrl, long len, const OrvStrArray& hin
   int64_t requestsBefore = OrvHttpLimits::GetRequests();
 
   OrvStrArray named;
-  if (s.maxFetches > 0)
-    OrvFetchRobotsSitemaps(s.client, entryUrl, len, s.limits.maxRobotsSitemaps, named,
-                           s.robotsProblem, s.fetches);
+  if (s.maxFetches > 0) {
+    // Read once a run (another reader of the run may have fetched it), and
+    // cut at the robots.txt reader's own cap, so a huge one costs little.
+    OrvHttpLimits::GetRobotsSitemaps(entryUrl, len, named);
+    if (OrvHttpLimits::GetRequests() > requestsBefore) s.fetches++;
+    if (named.count > s.limits.maxRobotsSitemaps) {
+      OrvStrArray first;
+      for (int32_t i = 0; i < s.limits.maxRobotsSitemaps; i++)
+        first.AddString(named[i], named.GetStringLen(i));
+      named = first;
+    }
+  }
   for (int32_t i = 0; i < hints.count; i++) {
     const char* hint = hints[i];
     if (hint[0] == '/' && hint[1] != '/') {
@@ -287,7 +293,6 @@ int32_t OrvSitemapSize::FileCount() const { return int32_t(state->files.size());
 const OrvSitemapFile& OrvSitemapSize::File(int32_t i) const {
   return i >= 0 && i < FileCount() ? state->files[size_t(i)] : state->none;
 }
-const OrvString& OrvSitemapSize::RobotsProblem() const { return state->robotsProblem; }
 int32_t OrvSitemapSize::Fetches() const { return state->fetches; }
 int32_t OrvSitemapSize::Requests() const { return state->requests; }
 const OrvStrArray& OrvSitemapSize::SampleUrls() const { return state->sample; }

@@ -44,7 +44,8 @@ class OrvSitemapSize {
   void SetLimits(const OrvSitemapLimits& limits);
 
   // Reads the sitemaps of the site of entryUrl: the Sitemap lines of its
-  // robots.txt and the hints (sitemaps a page links with rel="sitemap"); when
+  // robots.txt and the hints (sitemaps a page links with rel="sitemap",
+  // absolute URLs or paths from the root, resolved by the caller); when
   // none of them is a sitemap, /sitemap.xml, /sitemap_index.xml and
   // /wp-sitemap.xml in turn until one is. Makes at most maxFetches OrvHttp
   // calls. Replaces what an earlier Read found.
@@ -61,10 +62,9 @@ class OrvSitemapSize {
 
   int32_t FileCount() const;
   const OrvSitemapFile& File(int32_t i) const;  // out of range: an empty record
-  // Why robots.txt gave no sitemaps, empty when it was read or absent (404).
-  const OrvString& RobotsProblem() const;
 
-  // OrvHttp calls made, and the requests they sent (redirect hops included).
+  // Fetches made (robots.txt once, when this read sent it), and the requests
+  // sent (redirect hops included).
   int32_t Fetches() const;
   int32_t Requests() const;
 

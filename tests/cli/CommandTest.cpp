@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <regex>
+#include <thread>
 
 #include "orvwebpage/OrvHttpLimits.h"
 #include "support/Cases.h"
@@ -55,14 +56,21 @@ std::vector<Row> Rows() {
 }
 
 // What a row runs against: the sample site, a socket that answers the same
-// bytes to every request, or a port nobody listens on.
+// bytes to every request, one that never answers, or a port nobody listens on.
 struct Server {
   std::unique_ptr<SampleSite> site;
   std::unique_ptr<RawSocketServer> socket;
   std::string port;
+  std::atomic<bool> asked{false};  // a request came to the stalled socket
   explicit Server(const std::string& kind) {
     std::string url;
-    if (kind.rfind("site ", 0) == 0) {
+    if (kind == "stall" || kind == "stall SIGINT") {
+      socket = std::make_unique<RawSocketServer>([this](int, const std::atomic<bool>& stopping) {
+        asked = true;
+        PauseUnlessStopping(stopping, 30000);
+      });
+      if (socket->Start()) url = socket->Url("/");
+    } else if (kind.rfind("site ", 0) == 0) {
       site = std::make_unique<SampleSite>(std::vector<std::string>{"--profile", kind.substr(5)});
       url = site->Url();
     } else if (kind == "closed" || kind.rfind("reply ", 0) == 0) {
@@ -92,7 +100,18 @@ TEST_P(Command, GivesTheRowsStatusAndOutput) {
         arg.replace(at, std::strlen(from), to);
     args.push_back(Text(arg));
   }
-  ToolRun run = RunTool(args, 60, false, in.path);
+  // "stall SIGINT": Ctrl-C once the tool waits for the stalled server.
+  std::thread interrupter;
+  auto started = [&](pid_t pid) {
+    if (row.server != "stall SIGINT") return;
+    interrupter = std::thread([&server, pid] {
+      for (int waited = 0; !server.asked && waited < 20000; waited += 5)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      kill(pid, SIGINT);
+    });
+  };
+  ToolRun run = RunTool(args, 60, false, in.path, started);
+  if (interrupter.joinable()) interrupter.join();
   ASSERT_FALSE(run.killed);
   EXPECT_EQ(run.status, row.status) << run.err;
   EXPECT_EQ(Normal(run.out, server.port),

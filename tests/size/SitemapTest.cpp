@@ -206,8 +206,7 @@ TEST(SitemapSize, ServedSites) {
     EXPECT_TRUE(Within(sitemaps.Pages(), expected[3])) << name << " " << sitemaps.Pages();
     EXPECT_TRUE(Within(sitemaps.Low(), expected[4])) << name << " " << sitemaps.Low();
     EXPECT_TRUE(Within(sitemaps.High(), expected[5])) << name << " " << sitemaps.High();
-    std::string problems =
-        std::string(sitemaps.RobotsProblem().buf ? sitemaps.RobotsProblem().buf : "");
+    std::string problems;
     for (int32_t i = 0; i < sitemaps.FileCount(); i++)
       problems +=
           std::string("|") + (sitemaps.File(i).problem.buf ? sitemaps.File(i).problem.buf : "");

@@ -17,6 +17,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -52,9 +53,11 @@ inline pid_t SpawnTool(const std::vector<std::string>& args, const std::string& 
   return pid;
 }
 
-// args[0] is the program's path.
+// args[0] is the program's path. started, when given, is told the child's id
+// once it runs.
 inline ToolRun RunTool(const std::vector<std::string>& args, double limitSeconds,
-                       bool stderrIsTerminal = false, const std::string& inPath = "/dev/null") {
+                       bool stderrIsTerminal = false, const std::string& inPath = "/dev/null",
+                       const std::function<void(pid_t)>& started = nullptr) {
   ToolRun run;
   int out[2] = {-1, -1}, err[2] = {-1, -1};
   if (pipe2(out, O_CLOEXEC) != 0) return run;
@@ -69,6 +72,7 @@ inline ToolRun RunTool(const std::vector<std::string>& args, double limitSeconds
   }
   auto start = std::chrono::steady_clock::now();
   pid_t pid = err[1] < 0 ? -1 : SpawnTool(args, inPath, out[1], err[1]);
+  if (pid > 0 && started) started(pid);
   for (int fd : {out[1], err[1]})
     if (fd >= 0) close(fd);
   int fds[2] = {out[0], err[0]};

@@ -1,19 +1,32 @@
 #include "Command.h"
 
-#include <fstream>
-#include <iostream>
-#include <iterator>
-#include <sstream>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
-std::string ReadInput(const std::string& path) {
-  if (path == "-") {
-    std::ostringstream all;
-    all << std::cin.rdbuf();
-    return all.str();
+#include <cerrno>
+#include <cstring>
+
+std::string ReadInput(const std::string& path, bool json) {
+  int fd = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  std::string name = path == "-" ? "stdin" : path;
+  if (fd < 0) throw CommandError(name, std::strerror(errno), json);
+  struct stat info;
+  int error = fstat(fd, &info) != 0 ? errno : S_ISDIR(info.st_mode) ? EISDIR : 0;
+  std::string text;
+  char chunk[65536];
+  while (!error) {
+    ssize_t got = read(fd, chunk, sizeof chunk);
+    if (got > 0)
+      text.append(chunk, size_t(got));
+    else if (got == 0)
+      break;
+    else if (errno != EINTR)
+      error = errno;
   }
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw CommandError("cannot read " + path);
-  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+  if (fd != STDIN_FILENO) close(fd);
+  if (error) throw CommandError(name, std::strerror(error), json);
+  return text;
 }
 
 void ForEachInputLine(const std::string& text, const std::function<void(std::string_view)>& visit) {
@@ -26,4 +39,16 @@ void ForEachInputLine(const std::string& text, const std::function<void(std::str
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     if (!line.empty()) visit(line);
   }
+}
+
+std::vector<std::string> WithStdinLines(const std::vector<std::string>& args) {
+  std::vector<std::string> out;
+  for (const auto& arg : args) {
+    if (arg != "-") {
+      out.push_back(arg);
+      continue;
+    }
+    ForEachInputLine(ReadInput("-"), [&out](std::string_view line) { out.emplace_back(line); });
+  }
+  return out;
 }

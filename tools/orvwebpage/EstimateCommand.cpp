@@ -5,9 +5,11 @@
 #include <strings.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cmath>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
@@ -21,6 +23,7 @@
 
 #include "Command.h"
 #include "EstimateExplain.h"
+#include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "orvwebpage/OrvHttpLimits.h"
@@ -47,35 +50,6 @@ struct EstimateOptions {
   bool json = false;
   bool explain = false;
 };
-
-// Longer limits than this are no limits for a crawl, and keep the
-// conversion to milliseconds far from overflow.
-constexpr double kMaxSeconds = 1e6;
-
-const CLI::Validator kSeconds(
-    [](std::string& text) -> std::string {
-      double value = 0;
-      size_t used = 0;
-      try {
-        value = std::stod(text, &used);
-      } catch (const std::exception&) {
-        return "not a number of seconds: " + text;
-      }
-      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
-        return "seconds must be a number above 0 and at most 1000000: " + text;
-      return "";
-    },
-    "SECONDS");
-
-const CLI::Validator kHeaderText(
-    [](std::string& text) -> std::string {
-      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
-        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
-      for (unsigned char c : text)
-        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
-      return "";
-    },
-    "TEXT");
 
 const CLI::Validator kHostPatterns(
     [](std::string& text) -> std::string {
@@ -110,6 +84,10 @@ std::string SiteDomainWarning(const std::string& entry) {
   if (domain.substr(0, domain.find(':')).find('.') != std::string::npos) return "";
 
   std::string line = "orvwebpage: warning: ";
+  // A www. in front helps only where the host is one label above a top
+  // level ("example.com"); elsewhere only --hosts confines the crawl.
+  bool www = host[0] != '[' && host.find('.') != std::string::npos &&
+             host.find('.') == host.rfind('.') && strncasecmp(host.c_str(), "www.", 4) != 0;
   if (domain.empty())
     line += "the site domain is empty (the entry host " + host +
             " has no dot), so links to every host are followed";
@@ -118,17 +96,10 @@ std::string SiteDomainWarning(const std::string& entry) {
             "every host containing it, and links to them are followed";
   size_t at = entry.find("://");
   at = at == std::string::npos ? at : entry.find(host, at + 3);
-  if (host[0] != '[' && at != std::string::npos)
-    line += "; try " + entry.substr(0, at) + "www." + entry.substr(at) +
-            " (or another first label), or confine requests with --hosts";
-  else
-    line += "; confine requests with --hosts";
+  line += "; confine requests with --hosts " + host;
+  if (www && at != std::string::npos)
+    line += ", or start from " + entry.substr(0, at) + "www." + entry.substr(at);
   return line;
-}
-
-int32_t Milliseconds(double seconds) {
-  double ms = std::ceil(seconds * 1000);
-  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
 }
 
 std::string FormatSeconds(double seconds) {
@@ -144,6 +115,7 @@ struct EstimateRun {
   int64_t fetches = 0;  // requests that started a fetch: a redirect chain counts once
   int64_t bytes = 0;
   bool spent = false;
+  bool interrupted = false;
   double seconds = 0;
   Explanation explanation;
   std::vector<std::string> robotsRefused;
@@ -173,9 +145,80 @@ void ShowProgress(const OrvHttpProgress& p, void* context) {
                       probing ? "probing a listing" : "crawling");
 }
 
+// Ctrl-C cuts every estimate in hand short and starts no other: the handler
+// only sets a flag, and a watcher thread stops the estimators and their
+// requests in flight, so the estimates made so far are printed.
+volatile std::sig_atomic_t interrupted = 0;
+
+void OnInterrupt(int) { interrupted = 1; }
+
+struct Active {
+  OrvWebPageCountEstimate* estimator;
+  OrvHttpRun* run;
+};
+std::mutex activeLock;
+std::vector<Active> active;
+bool stopping = false;  // under activeLock: the watcher has stopped them all
+
+void StopActive(const Active& a) {
+  a.estimator->StopEstimating();
+  a.run->Stop();
+}
+
+class InterruptWatch {
+ public:
+  InterruptWatch() {
+    interrupted = 0;
+    struct sigaction action = {};
+    action.sa_handler = OnInterrupt;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, &previous);
+    watcher = std::thread([this] {
+      while (!done.load()) {
+        if (interrupted) {
+          std::lock_guard<std::mutex> hold(activeLock);
+          stopping = true;
+          for (const Active& a : active) StopActive(a);
+          return;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+    });
+  }
+  ~InterruptWatch() {
+    done = true;
+    watcher.join();
+    sigaction(SIGINT, &previous, nullptr);
+  }
+
+ private:
+  struct sigaction previous = {};
+  std::atomic<bool> done{false};
+  std::thread watcher;
+};
+
+// Known to the watcher while it lives.
+class ActiveEstimate {
+ public:
+  ActiveEstimate(OrvWebPageCountEstimate& estimator, OrvHttpRun& run) : me{&estimator, &run} {
+    std::lock_guard<std::mutex> hold(activeLock);
+    if (stopping) StopActive(me);
+    active.push_back(me);
+  }
+  ~ActiveEstimate() {
+    std::lock_guard<std::mutex> hold(activeLock);
+    for (size_t i = 0; i < active.size(); i++)
+      if (active[i].estimator == me.estimator) active.erase(active.begin() + long(i));
+  }
+
+ private:
+  Active me;
+};
+
 // On the calling thread's run, which it sets up from o.
-EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
+EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& httpRun) {
   OrvWebPageCountEstimate estimator;
+  ActiveEstimate known(estimator, httpRun);
   std::unique_ptr<Progress> progress;
   if (showProgress && isatty(STDERR_FILENO)) {
     progress.reset(new Progress{.estimator = &estimator});
@@ -183,7 +226,8 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
   }
 
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
-  std::string warning = SiteDomainWarning(o.url);
+  // With --hosts the crawl is confined already.
+  std::string warning = o.hosts.empty() ? SiteDomainWarning(o.url) : "";
   if (!warning.empty()) std::cerr << warning << std::endl;
 
   OrvHttpLimits::ResetCounters();
@@ -197,6 +241,7 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
   run.fetches = OrvHttpLimits::GetFetches();
   run.bytes = OrvHttpLimits::GetBytes();
   run.spent = OrvHttpLimits::IsSpent() != 0;
+  run.interrupted = interrupted != 0;
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
@@ -220,6 +265,10 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
     out["estimate"] = run.estimate;
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
+    if (run.interrupted) {
+      out["partial"] = true;
+      out["reason"] = "interrupted";
+    }
     if (!run.robotsRefused.empty()) out["robots_refused"] = run.robotsRefused;
     if (o.explain) AddExplanation(run.explanation, out);
     return Dump(out);
@@ -229,6 +278,7 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
        << "estimate: " << run.estimate << " pages\n"
        << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
        << "seconds:  " << FormatSeconds(run.seconds) << "\n";
+  if (run.interrupted) text << "partial:  interrupted\n";
   if (o.explain) {
     for (const std::string& url : run.robotsRefused) text << "robots.txt refused: " << url << "\n";
     PrintExplanation(run.explanation, text);
@@ -242,28 +292,23 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
 // whose pages hold no crawlable link), but finding that listing's last page
 // takes probes, so such a run has fetched more pages.
 std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
-  if (run.estimate != 0 || run.fetches > 1) return "";
-  OrvString url, reason;
-  OrvHttpLimits::GetLastFailure(url, reason);
+  if (run.interrupted || run.estimate != 0 || run.fetches > 1) return "";
   if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty())
     return "its host is not among --hosts";
-  if (run.spent) return "the deadline or the request budget ran out first";
-  std::string why(reason.buf ? reason.buf : "", size_t(reason.len));
-  if (why.rfind("refused by robots.txt", 0) == 0) return why;
-  return "no readable page came back";
+  return LastFailure(run.spent ? "the deadline or the request budget ran out first"
+                               : "no readable page came back");
 }
 
 // One site in a run of its own, bound to the calling thread. Gives its
-// output, or sets error.
+// output, or sets error to why nothing could be read.
 std::string EstimateSite(EstimateOptions o, const std::string& url, bool showProgress,
                          std::string& error) {
   o.url = url;
   OrvHttpRun httpRun;
   httpRun.Bind();
-  EstimateRun run = Estimate(o, showProgress);
+  EstimateRun run = Estimate(o, showProgress, httpRun);
   error = FailureOf(o, run);
   if (error.empty()) return RunText(o, run);
-  error = "cannot read " + url + ": " + error;
   if (!o.json) return "url:      " + url + "\nerror:    " + error + "\n";
   nlohmann::ordered_json out;
   out["url"] = url;
@@ -284,12 +329,13 @@ int RunEstimate(EstimateOptions& o) {
     return 2;
   }
   if (urls.empty()) throw CommandError("no URL in " + o.from);
+  InterruptWatch watch;
   if (urls.size() == 1 && o.from.empty()) {
     std::string error;
     std::string text = EstimateSite(o, urls[0], true, error);
-    if (!error.empty()) throw CommandError(error);
+    if (!error.empty()) throw CommandError(urls[0], error, o.json);
     std::cout << text;
-    return 0;
+    return interrupted ? 130 : 0;
   }
 
   // Sites are taken in input order by the workers and printed in that order
@@ -307,7 +353,7 @@ int RunEstimate(EstimateOptions& o) {
       size_t i;
       {
         std::lock_guard<std::mutex> hold(lock);
-        if (next >= urls.size()) return;
+        if (next >= urls.size() || interrupted) return;
         i = next++;
       }
       std::string error;
@@ -320,7 +366,8 @@ int RunEstimate(EstimateOptions& o) {
         Site& site = sites[printed];
         if (!site.error.empty()) {
           failed = true;
-          std::cerr << "orvwebpage: " << site.error << std::endl;
+          std::cerr << "orvwebpage: cannot read " << urls[printed] << ": " << site.error
+                    << std::endl;
         }
         if (!o.json && printed > 0) std::cout << "\n";
         std::cout << site.text << std::flush;
@@ -333,7 +380,7 @@ int RunEstimate(EstimateOptions& o) {
   for (size_t i = 1; i < workers; i++) threads.emplace_back(work);
   work();
   for (std::thread& t : threads) t.join();
-  return failed ? 1 : 0;
+  return interrupted ? 130 : failed ? 1 : 0;
 }
 
 }  // namespace
@@ -343,18 +390,19 @@ Command AddEstimateCommand(CLI::App& parent) {
                                     "Estimate how many pages a site holds, crawling it from URL");
   auto o = std::make_shared<EstimateOptions>();
   app->add_option("URL", o->urls, "entry URL of a site; several are estimated one after another");
-  app->add_option("--from", o->from, "also read entry URLs from FILE, one a line (- for stdin)");
+  app->add_option("--from", o->from, "also read entry URLs from FILE, one a line (- for stdin)")
+      ->type_name("FILE");
   app->add_option("--jobs", o->jobs, "estimate N sites at once, each with its own limits")
-      ->check(CLI::Range(1, 256));
+      ->transform(WholeNumber(1, 256, "N"));
   app->add_flag("--ignore-robots", o->ignoreRobots,
                 "do not read robots.txt, nor keep to what it refuses");
   app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
-      ->check(CLI::PositiveNumber);
+      ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
   app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
-      ->check(CLI::Range(0, INT32_MAX));
+      ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")

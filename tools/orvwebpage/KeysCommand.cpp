@@ -42,7 +42,7 @@ std::vector<UrlKeys> ComputeKeys(const KeysOptions& options) {
   }
   std::vector<UrlKeys> all;
   OrvString key;
-  for (const auto& text : options.urls) {
+  for (const auto& text : WithStdinLines(options.urls)) {
     OrvWebPageUrl url;
     url.url = ToOrv(text);
     url.Parse(1);
@@ -92,9 +92,13 @@ Command AddKeysCommand(CLI::App& parent) {
   CLI::App* app = parent.add_subcommand(
       "keys", "Show the shape keys of URLs: host, path, extension, query, and the search key");
   app->add_option("--entry", options->entry,
-                  "Entry URL: hosts holding its domain count as on the site");
-  app->add_option("urls", options->urls, "URLs to show the keys of")->required();
+                  "Entry URL: hosts holding its domain count as on the site")
+      ->type_name("URL");
+  app->add_option("urls", options->urls,
+                  "URLs to show the keys of (- reads them from stdin, one a line)")
+      ->required();
   app->add_flag("--json", options->json, "Print one JSON document");
+  app->footer(kKeyNotation);
   return {app, [options] {
             std::vector<UrlKeys> all = ComputeKeys(*options);
             if (options->json)

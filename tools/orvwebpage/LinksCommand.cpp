@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "PageLinks.h"
 #include "PageSource.h"
@@ -19,6 +20,7 @@ struct LinksOptions {
   std::string html;
   std::string base;
   std::string input;
+  FetchOptions fetch;
   bool json = false;
 };
 
@@ -100,10 +102,10 @@ int RunLinks(const LinksOptions& options) {
   std::vector<PageLink> input;
   std::string entry = options.entry;
   if (options.html.empty()) {
-    input = ParseLinkLines(ReadInput(options.input.empty() ? "-" : options.input));
+    input = ParseLinkLines(ReadInput(options.input.empty() ? "-" : options.input, options.json));
   } else {
     std::string contentType;
-    std::string page = ReadPageSource(options.html, &contentType);
+    std::string page = ReadPageSource(options.html, &contentType, &options.fetch, options.json);
     std::string pageUrl =
         options.base.empty() && IsWebUrl(options.html) ? options.html : options.base;
     bool resolved = false;
@@ -128,7 +130,8 @@ Command AddLinksCommand(CLI::App& parent) {
       "links", "Sort links into classes of like URL shape and name each class by its key");
   app->add_option("--entry", options->entry,
                   "Entry URL: links on its domain are told apart from the others "
-                  "(default: the page's URL with --html)");
+                  "(default: the page's URL with --html)")
+      ->type_name("URL");
   CLI::Option* input =
       app->add_option("input", options->input,
                       "File of links, one a line: URL or URL<TAB>label (- or nothing for stdin)");
@@ -136,11 +139,15 @@ Command AddLinksCommand(CLI::App& parent) {
       app->add_option("--html", options->html,
                       "Take the links of the a and area elements of this page instead (file, - "
                       "or http(s) URL), resolved against its URL and <base> as a browser does")
-          ->excludes(input);
+          ->excludes(input)
+          ->type_name("FILE|URL");
   app->add_option(
          "--base", options->base,
          "URL the page read by --html stands for, to resolve its links against (default: its URL)")
-      ->needs(html);
+      ->needs(html)
+      ->type_name("URL");
+  AddFetchOptions(app, options->fetch);
   app->add_flag("--json", options->json, "Print one JSON document");
+  app->footer(kKeyNotation);
   return {app, [options] { return RunLinks(*options); }};
 }

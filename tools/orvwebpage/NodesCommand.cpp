@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "PageSource.h"
 #include "orvwebpage/OrvHtml.h"
@@ -18,6 +19,7 @@ namespace {
 
 struct NodesOptions {
   std::string source;
+  FetchOptions fetch;
   bool json = false;
 };
 
@@ -85,7 +87,7 @@ void PrintReadable(const TextClasses& classes) {
 
 int RunNodes(const NodesOptions& options) {
   std::string contentType;
-  std::string page = ReadPageSource(options.source, &contentType);
+  std::string page = ReadPageSource(options.source, &contentType, &options.fetch, options.json);
   TextClasses classes = ClassifyPage(std::move(page), contentType);
   if (options.json) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
@@ -111,6 +113,7 @@ Command AddNodesCommand(CLI::App& parent) {
       "Sort the visible texts of a page into classes: one per repeated block, then the page");
   app->add_option("source", options->source, "Page: a file, - for stdin, or an http(s) URL")
       ->required();
+  AddFetchOptions(app, options->fetch);
   app->add_flag("--json", options->json, "Print one JSON document");
   return {app, [options] { return RunNodes(*options); }};
 }

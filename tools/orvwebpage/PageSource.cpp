@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "FetchOptions.h"
 #include "orvwebpage/OrvHttp.h"
 #include "orvwebpage/OrvString.h"
 
@@ -13,17 +14,20 @@ bool IsWebUrl(const std::string& source) {
          strncasecmp(source.c_str(), "https://", 8) == 0;
 }
 
-std::string ReadPageSource(const std::string& source, std::string* contentType) {
+std::string ReadPageSource(const std::string& source, std::string* contentType,
+                           const FetchOptions* fetch, bool json) {
   if (contentType) contentType->clear();
-  if (!IsWebUrl(source)) return ReadInput(source);
+  if (!IsWebUrl(source)) return ReadInput(source, json);
+  if (fetch) OrvHttpLimits::Set(SettingsWith(*fetch));
+  OrvHttpLimits::ResetCounters();
   OrvHttp http;
   std::vector<char> url(source.begin(), source.end());
   url.push_back('\0');
   ORV_HTTP_STATUS status = http.Run(url.data(), long(source.size()), ORV_HTTP_GET);
   if (status != ORV_HTTP_OK) {
     long code = http.GetResponseCode();
-    throw CommandError("cannot fetch " + source +
-                       (code ? " (HTTP status " + std::to_string(code) + ")" : ""));
+    throw CommandError(source, LastFailure(code ? "HTTP " + std::to_string(code) : "no reply"),
+                       json);
   }
   OrvString body, type;
   http.GetBody(body);

@@ -24,10 +24,14 @@ struct SearchResult {
   std::vector<std::string> found;
 };
 
-// One URL a line; blank lines carry none, a CR before the line break is dropped.
+// One URL a line, as links takes them: a <TAB>label part is dropped, blank
+// lines carry none, a CR before the line break is dropped.
 std::vector<std::string> ParseUrlLines(const std::string& text) {
   std::vector<std::string> urls;
-  ForEachInputLine(text, [&urls](std::string_view line) { urls.emplace_back(line); });
+  ForEachInputLine(text, [&urls](std::string_view line) {
+    line = line.substr(0, line.find('\t'));
+    if (line.find_first_not_of(" \f\v") != std::string_view::npos) urls.emplace_back(line);
+  });
   return urls;
 }
 
@@ -70,14 +74,20 @@ Command AddSearchCommand(CLI::App& parent) {
   auto options = std::make_shared<SearchOptions>();
   CLI::App* app =
       parent.add_subcommand("search", "Find the listed URLs that have the shape of an example URL");
-  app->add_option("--example", options->example, "The URL whose shape is wanted")->required();
+  app->add_option("--example", options->example, "The URL whose shape is wanted")
+      ->required()
+      ->type_name("URL");
   app->add_option("--entry", options->entry,
-                  "Entry URL: hosts holding its domain count as on the site");
-  app->add_option("input", options->input, "File of URLs, one a line (- or nothing for stdin)");
+                  "Entry URL: hosts holding its domain count as on the site")
+      ->type_name("URL");
+  app->add_option("input", options->input,
+                  "File of URLs, one a line, a <TAB>label after it ignored (- or nothing for "
+                  "stdin)");
+  app->footer(kKeyNotation);
   app->add_flag("--json", options->json, "Print one JSON document");
   return {app, [options] {
-            std::vector<std::string> urls =
-                ParseUrlLines(ReadInput(options->input.empty() ? "-" : options->input));
+            std::vector<std::string> urls = ParseUrlLines(
+                ReadInput(options->input.empty() ? "-" : options->input, options->json));
             SearchResult result = Search(*options, urls);
             if (options->json)
               PrintSearchJson(result);

@@ -93,11 +93,13 @@ Command AddUrlCommand(CLI::App& parent) {
   CLI::App* app = parent.add_subcommand("url", "Parse URLs into their parts and rebuild them");
   app->add_flag("--no-sort", options->noSort, "keep the parameters in URL order");
   app->add_flag("--json", options->json, "print a JSON array, one object per URL");
-  app->add_option("URL", options->urls, "URLs to parse (any text is one)")->required();
+  app->add_option("URL", options->urls,
+                  "URLs to parse (any text is one; - reads them from stdin, one a line)")
+      ->required();
   return {app, [options] {
             OrvWebPageUrl record;  // reused, as the library's callers do
             std::vector<UrlParts> all;
-            for (const auto& text : options->urls)
+            for (const auto& text : WithStdinLines(options->urls))
               all.push_back(Describe(record, text, !options->noSort));
             if (options->json)
               PrintJson(all);

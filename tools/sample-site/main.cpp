@@ -112,7 +112,15 @@ int main(int argc, char** argv) {
   CLI::App app{"Serves a generated web site on 127.0.0.1."};
   SiteOptions options;
   AddOptions(app, options);
-  CLI11_PARSE(app, argc, argv);
+  // Usage errors exit 2, as the orvwebpage tool's do.
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    std::fprintf(stderr, "orvwebpage-sample-site: %s\n", e.what());
+    return 2;
+  }
 
   std::unique_ptr<SiteProfile> profile =
       MakeSiteProfile(options.profileName, options.seed, options.pages);

@@ -1,0 +1,97 @@
+#include "FetchOptions.h"
+
+#include <cerrno>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// Longer limits than this are no limits for a crawl, and keep the
+// conversion to milliseconds far from overflow.
+constexpr double kMaxSeconds = 1e6;
+
+}  // namespace
+
+const CLI::Validator kSeconds(
+    [](std::string& text) -> std::string {
+      double value = 0;
+      size_t used = 0;
+      try {
+        value = std::stod(text, &used);
+      } catch (const std::exception&) {
+        return "not a number of seconds: " + text;
+      }
+      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
+        return "seconds must be a number above 0 and at most 1000000: " + text;
+      return "";
+    },
+    "SECONDS");
+
+const CLI::Validator kHeaderText(
+    [](std::string& text) -> std::string {
+      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
+        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
+      for (unsigned char c : text)
+        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
+      return "";
+    },
+    "TEXT");
+
+int32_t Milliseconds(double seconds) {
+  double ms = std::ceil(seconds * 1000);
+  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
+}
+
+void AddFetchOptions(CLI::App* app, FetchOptions& options) {
+  app->add_option("--timeout", options.timeout, "seconds the request may take (default 30)")
+      ->check(kSeconds)
+      ->type_name("SECONDS");
+  app->add_option("--user-agent", options.userAgent, "User-Agent header to send")
+      ->check(kHeaderText)
+      ->type_name("TEXT");
+}
+
+OrvHttpSettings SettingsWith(const FetchOptions& options) {
+  OrvHttpSettings settings = OrvHttpLimits::Get();
+  if (options.timeout > 0) {
+    settings.requestTimeoutMs = Milliseconds(options.timeout);
+    // A stalled server is a slow one: the timeout asked for rules.
+    if (settings.connectTimeoutMs > settings.requestTimeoutMs)
+      settings.connectTimeoutMs = settings.requestTimeoutMs;
+  }
+  std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", options.userAgent.c_str());
+  return settings;
+}
+
+std::string LastFailure(const std::string& fallback) {
+  OrvString url, reason;
+  if (!OrvHttpLimits::GetLastFailure(url, reason) || reason.len <= 0) return fallback;
+  return std::string(reason.buf, size_t(reason.len));
+}
+
+CLI::Validator WholeNumber(int64_t least, int64_t most, const std::string& name) {
+  return CLI::Validator(
+      [least, most](std::string& text) -> std::string {
+        std::string range = most == INT64_MAX
+                                ? ", at least " + std::to_string(least)
+                                : " from " + std::to_string(least) + " to " + std::to_string(most);
+        std::string wrong = "must be a whole number" + range + ": " + text;
+        char* end = nullptr;
+        errno = 0;
+        long long whole = std::strtoll(text.c_str(), &end, 10);
+        if (text.empty() || *end || errno) {
+          // 1e3, 2.0: numbers as people write them, if they are whole.
+          double value = std::strtod(text.c_str(), &end);
+          if (text.empty() || *end || !std::isfinite(value) || value != std::floor(value) ||
+              value < double(least) || value > double(most))
+            return wrong;
+          whole = static_cast<long long>(value);
+        }
+        if (whole < least || whole > most) return wrong;
+        text = std::to_string(whole);
+        return "";
+      },
+      name);
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "orvwebpage/OrvHttpLimits.h"
+
+// Seconds above 0, at most 1000000; a number as the user writes one.
+extern const CLI::Validator kSeconds;
+// Text that can go into a request header.
+extern const CLI::Validator kHeaderText;
+
+// How a command that reads one page fetches it.
+struct FetchOptions {
+  double timeout = 0;     // seconds for the request; 0: the HTTP layer's default
+  std::string userAgent;  // empty: the library's own
+};
+
+int32_t Milliseconds(double seconds);
+
+// --timeout and --user-agent, for commands that fetch one page.
+void AddFetchOptions(CLI::App* app, FetchOptions& options);
+
+// The settings of the run with those options in force.
+OrvHttpSettings SettingsWith(const FetchOptions& options);
+
+// Why the last request of the run failed, in words a user understands; the
+// fallback when the run recorded no failure.
+std::string LastFailure(const std::string& fallback);
+
+// A whole number from least to most, written as the user likes it ("1000",
+// "1e3", "1,000" is not one); the text becomes its digits. name is the value
+// name that help shows.
+CLI::Validator WholeNumber(int64_t least, int64_t most, const std::string& name);
