@@ -17,6 +17,7 @@
 #include "Bindings.h"
 #include "EstimateExplain.h"
 #include "PyText.h"
+#include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
@@ -82,6 +83,7 @@ struct Crawl {
   std::condition_variable finished;
   bool started = false, done = false, stopRequested = false;
   long estimate = 0;
+  int64_t exact = 0;  // the same sum in 64 bits: where it differs, the estimate wrapped
   int64_t requests = 0, bytes = 0;
   double seconds = 0;
 
@@ -99,6 +101,7 @@ struct Crawl {
     if (started) {
       auto start = std::chrono::steady_clock::now();
       estimate = estimator.EstimateCount(url.data(), long(url.size()));
+      exact = OrvExactEstimate(estimator);
       seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
       requests = OrvHttpLimits::GetRequests();
       bytes = OrvHttpLimits::GetBytes();
@@ -257,6 +260,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                             explain ? Shapes(crawl->explanation).release().ptr() : NoneRef());
   PyStructSequence_SET_ITEM(result, 6,
                             explain ? Listings(crawl->explanation).release().ptr() : NoneRef());
+  PyStructSequence_SET_ITEM(result, 7, PyBool_FromLong(crawl->exact != crawl->estimate));
   return py::reinterpret_steal<py::object>(result);
 }
 
@@ -266,8 +270,9 @@ void AddEstimate(py::module_& m) {
   resultType = NewRecordType(
       m, "EstimateResult",
       "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event), "
-      "shapes and listings (with explain=True, else None)",
-      {"estimate", "requests", "bytes", "seconds", "stopped", "shapes", "listings"}, 2);
+      "shapes and listings (with explain=True, else None), wrapped (the estimate wrapped around "
+      "in its 32-bit arithmetic)",
+      {"estimate", "requests", "bytes", "seconds", "stopped", "shapes", "listings", "wrapped"}, 2);
   shapeType =
       NewRecordType(m, "EstimateShape", "One URL shape of an estimate, largest first",
                     {"key", "kind", "read", "estimate", "sightings", "pages", "url", "listing"});

@@ -27,7 +27,10 @@ bool ViewText(PyObject* object, TextView& view) {
   } else {
     return false;
   }
-  if (view.size > kMaxTextSize) view.size = kMaxTextSize;
+  // Cutting would hand the library another text than the caller's.
+  if (view.size > kMaxTextSize)
+    throw py::value_error("text of " + std::to_string(view.size) + " bytes is longer than the " +
+                          std::to_string(kMaxTextSize) + " bytes the library takes");
   return true;
 }
 

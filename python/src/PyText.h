@@ -26,7 +26,8 @@ struct TextView {
   py::object owner;
 };
 
-// False, with no Python error set, for an object that is neither str nor bytes.
+// False, with no Python error set, for an object that is neither str nor bytes;
+// ValueError for a text longer than the library takes.
 bool ViewText(PyObject* object, TextView& view);
 // The same, raising TypeError naming `what` instead of returning false.
 TextView ViewTextOrThrow(const py::handle& object, const char* what);

@@ -1,4 +1,6 @@
 import _thread
+import contextlib
+import http.server
 import json
 import pickle
 import subprocess
@@ -63,6 +65,84 @@ def test_stop_event_and_ctrl_c_end_the_crawl_early(sample_site):
     assert time.monotonic() - start < 2
 
 
+@contextlib.contextmanager
+def loopback_server(handle):
+    """An HTTP server on 127.0.0.1 calling handle(request) for every GET."""
+    class Handler(http.server.BaseHTTPRequestHandler):
+        def do_GET(self):
+            handle(self)
+
+        def log_message(self, *args):
+            pass
+
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
+    server.daemon_threads = True
+    thread = threading.Thread(target=server.serve_forever, daemon=True)
+    thread.start()
+    try:
+        yield f"http://127.0.0.1:{server.server_address[1]}"
+    finally:
+        server.shutdown()
+        server.server_close()
+
+
+def send_page(request, body):
+    request.send_response(200)
+    request.send_header("Content-Type", "text/html")
+    request.send_header("Content-Length", str(len(body)))
+    request.end_headers()
+    request.wfile.write(body)
+
+
+# A pager that claims a billion pages: the 32-bit sum wraps and says so.
+@pytest.mark.parametrize("top,wrapped", [(1000000000, True), (1000, False)])
+def test_a_wrapped_estimate_says_so(top, wrapped):
+    page = (f'<a href="/list?page=1">1</a> <a href="/list?page=2">2</a> '
+            f'<a href="/list?page={top}">{top}</a>').encode()
+    with loopback_server(lambda request: send_page(request, page)) as url:
+        result = orvwebpage.estimate(url + "/list?page=1", timeout=10)
+    assert result.wrapped == wrapped
+    assert (result.estimate >= top) != wrapped
+
+
+def slow_body(request):
+    """Headers at once, then one byte of the body every half second."""
+    request.send_response(200)
+    request.send_header("Content-Type", "text/html")
+    request.send_header("Content-Length", "100")
+    request.end_headers()
+    try:
+        for _ in range(100):
+            request.wfile.write(b" ")
+            request.wfile.flush()
+            time.sleep(0.5)
+    except OSError:
+        pass
+
+
+def two_links(request):
+    send_page(request, b'<a href="/a?id=1">a</a> <a href="/b?x=1">b</a>')
+
+
+# A stop, or Ctrl-C, ends the request in flight and the wait between two
+# requests at once, not when they would have ended.
+@pytest.mark.parametrize("handle,delay,interrupt", [
+    (slow_body, None, False),
+    (two_links, 25, False),
+    (slow_body, None, True),
+    (two_links, 25, True),
+])
+def test_a_stop_ends_the_request_in_flight_and_the_delay(handle, delay, interrupt):
+    with loopback_server(handle) as url:
+        stop = threading.Event()
+        threading.Timer(1, _thread.interrupt_main if interrupt else stop.set).start()
+        start = time.monotonic()
+        if interrupt:
+            with pytest.raises(KeyboardInterrupt):
+                orvwebpage.estimate(url + "/", delay=delay)
+        else:
+            assert orvwebpage.estimate(url + "/", delay=delay, stop=stop).stopped
+        assert time.monotonic() - start < 2.5
 # The explanation holds what --explain --json gives, field for field, and
 # pickles whole; hosts confine the crawl as --hosts does.
 @pytest.mark.parametrize("profile", ["example", "offset"])

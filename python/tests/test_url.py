@@ -95,3 +95,20 @@ def test_texts_that_are_not_utf8():
 def test_wrong_types_raise_type_error(call):
     with pytest.raises(TypeError):
         call()
+
+
+def _available_memory():
+    with open("/proc/meminfo") as meminfo:
+        for line in meminfo:
+            if line.startswith("MemAvailable:"):
+                return int(line.split()[1]) * 1024
+    return 0
+
+
+# A text longer than 32-bit lengths can say is refused, never cut.
+def test_text_beyond_the_length_limit_raises_value_error():
+    if _available_memory() < 3 << 30:
+        pytest.skip("needs 3 GiB of free memory")
+    text = bytes(1 << 31)
+    with pytest.raises(ValueError, match="longer than the 2147483647 bytes"):
+        orvwebpage.Url(text)

@@ -19,7 +19,8 @@ class OrvByteMasks {
   // behind n are looked at but lie outside every range that is searched.
   OrvByteMasks(const char* text, int32_t n, int32_t readable, const char (&wanted)[Kinds]) {
     if (n < 0) n = 0;
-    words = n > 0 ? (n + 63) / 64 : 1;
+    // In 64 bits: texts of nearly 2^31 bytes would wrap the word count.
+    words = n > 0 ? int32_t((int64_t(n) + 63) / 64) : 1;
     bits = words <= kLocalWords
                ? local
                : static_cast<uint64_t*>(OrvAllocBytes(sizeof(uint64_t) * size_t(words) * Kinds));
@@ -67,7 +68,9 @@ class OrvByteMasks {
   void Fill(const char* text, int32_t n, int32_t readable, const char (&wanted)[Kinds]) {
     for (int32_t w = 0; w < words; w++) {
       uint64_t found[Kinds] = {};
-      int32_t start = w << 6;
+      // Positions in 64 bits: the last word of a text near 2^31 bytes ends past
+      // the 32-bit range.
+      const int64_t start = int64_t(w) << 6, end = start + 64;
 #ifdef __SSE2__
       if (readable - start >= 64) {
         // A whole word can be read: four loads, fixed shifts.
@@ -84,7 +87,7 @@ class OrvByteMasks {
           found[k] = m0 | m1 << 16 | m2 << 32 | m3 << 48;
         }
       } else {
-        for (int32_t at = start; at < n && at < start + 64; at += 16) {
+        for (int64_t at = start; at < n && at < end; at += 16) {
           __m128i v;
           if (readable - at >= 16) {
             v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
@@ -103,7 +106,7 @@ class OrvByteMasks {
       }
 #else
       (void)readable;
-      for (int32_t i = start; i < n && i < start + 64; i++)
+      for (int64_t i = start; i < n && i < end; i++)
         for (int k = 0; k < Kinds; k++)
           if (text[i] == wanted[k]) found[k] |= uint64_t(1) << (i & 63);
 #endif

@@ -7,6 +7,12 @@
 #include <cerrno>
 #include <cstring>
 
+void CheckTextSize(size_t size, const std::string& what) {
+  if (size > kMaxTextSize)
+    throw CommandError(what + " has " + std::to_string(size) + " bytes, more than the " +
+                       std::to_string(kMaxTextSize) + " a text may have");
+}
+
 std::string ReadInput(const std::string& path, bool json) {
   int fd = path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
   std::string name = path == "-" ? "stdin" : path;
@@ -31,12 +37,13 @@ std::string ReadInput(const std::string& path, bool json) {
 
 void ForEachInputLine(const std::string& text, const std::function<void(std::string_view)>& visit) {
   size_t start = 0;
-  while (start < text.size()) {
+  for (size_t number = 1; start < text.size(); number++) {
     size_t end = text.find('\n', start);
     if (end == std::string::npos) end = text.size();
     std::string_view line(text.data() + start, end - start);
     start = end + 1;
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    CheckTextSize(line.size(), "line " + std::to_string(number));
     if (!line.empty()) visit(line);
   }
 }

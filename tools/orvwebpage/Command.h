@@ -29,6 +29,12 @@ struct CommandError : std::runtime_error {
   bool json = false;
 };
 
+// Texts handed to the library have 32-bit lengths.
+constexpr size_t kMaxTextSize = 0x7fffffff;
+
+// Throws CommandError naming what (e.g. "line 3") when size is above kMaxTextSize.
+void CheckTextSize(size_t size, const std::string& what);
+
 // Contents of a file, or of stdin for "-"; a CommandError saying why not.
 std::string ReadInput(const std::string& path, bool json = false);
 

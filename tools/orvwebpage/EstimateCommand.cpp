@@ -26,6 +26,8 @@
 #include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "ShownText.h"
+#include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvString.h"
@@ -111,6 +113,7 @@ std::string FormatSeconds(double seconds) {
 // What one run gave, the explanation only when asked for.
 struct EstimateRun {
   long estimate = 0;
+  int64_t exact = 0;  // the same sum in 64 bits: where it differs, the estimate wrapped
   int64_t requests = 0;
   int64_t fetches = 0;  // requests that started a fetch: a redirect chain counts once
   int64_t bytes = 0;
@@ -228,7 +231,7 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
   // With --hosts the crawl is confined already.
   std::string warning = o.hosts.empty() ? SiteDomainWarning(o.url) : "";
-  if (!warning.empty()) std::cerr << warning << std::endl;
+  if (!warning.empty()) std::cerr << ShownText(warning) << std::endl;
 
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();
@@ -236,6 +239,7 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
   std::string url = o.url;
   EstimateRun run;
   run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+  run.exact = OrvExactEstimate(estimator);
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.requests = OrvHttpLimits::GetRequests();
   run.fetches = OrvHttpLimits::GetFetches();
@@ -265,6 +269,7 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
     out["estimate"] = run.estimate;
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
+    if (run.exact != run.estimate) out["wrapped"] = true;
     if (run.interrupted) {
       out["partial"] = true;
       out["reason"] = "interrupted";
@@ -274,13 +279,14 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
     return Dump(out);
   }
   std::ostringstream text;
-  text << "url:      " << o.url << "\n"
+  text << "url:      " << ShownText(o.url) << "\n"
        << "estimate: " << run.estimate << " pages\n"
        << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
        << "seconds:  " << FormatSeconds(run.seconds) << "\n";
   if (run.interrupted) text << "partial:  interrupted\n";
   if (o.explain) {
-    for (const std::string& url : run.robotsRefused) text << "robots.txt refused: " << url << "\n";
+    for (const std::string& url : run.robotsRefused)
+      text << "robots.txt refused: " << ShownText(url) << "\n";
     PrintExplanation(run.explanation, text);
   }
   return text.str();
@@ -308,8 +314,12 @@ std::string EstimateSite(EstimateOptions o, const std::string& url, bool showPro
   httpRun.Bind();
   EstimateRun run = Estimate(o, showProgress, httpRun);
   error = FailureOf(o, run);
+  if (error.empty() && run.exact != run.estimate)
+    std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
+                 "summed in 64 bits it is " +
+                     std::to_string(run.exact) + " pages\n";
   if (error.empty()) return RunText(o, run);
-  if (!o.json) return "url:      " + url + "\nerror:    " + error + "\n";
+  if (!o.json) return "url:      " + ShownText(url) + "\nerror:    " + ShownText(error) + "\n";
   nlohmann::ordered_json out;
   out["url"] = url;
   out["error"] = error;

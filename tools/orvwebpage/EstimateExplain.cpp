@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "ShownText.h"
+
 namespace {
 
 std::string FromOrv(const OrvString& s) { return s.buf ? std::string(s.buf, size_t(s.len)) : ""; }
@@ -114,14 +116,15 @@ void PrintExplanation(const Explanation& explanation, std::ostream& out) {
     std::snprintf(figures, sizeof figures, "%-7s %*ld x %-*ld = %*ld", KindName(s.kind),
                   int(estimateWidth), s.estimate, int(sightingsWidth), s.sightings, int(pagesWidth),
                   s.pages);
-    std::string key = s.key;
+    std::string key = ShownText(s.key);
     if (key.size() < keyWidth) key.resize(keyWidth, ' ');
-    out << "  " << key << "  " << figures << "  " << s.url << "\n";
+    out << "  " << key << "  " << figures << "  " << ShownText(s.url) << "\n";
   }
   out << "\nlistings: " << explanation.listings.size() << "\n";
   for (const ExplainedListing& l : explanation.listings) {
-    out << "  " << l.key << "  " << l.url << "\n"
-        << "    pager: " << l.param << ", step " << l.step << ", offset " << l.offset << "\n"
+    out << "  " << ShownText(l.key) << "  " << ShownText(l.url) << "\n"
+        << "    pager: " << ShownText(l.param) << ", step " << l.step << ", offset " << l.offset
+        << "\n"
         << "    probes:";
     for (size_t i = 0; i < l.probes.size(); i++) out << (i ? ", " : " ") << ProbeText(l.probes[i]);
     out << "\n    last page: ";

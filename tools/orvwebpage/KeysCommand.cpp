@@ -6,6 +6,7 @@
 
 #include "Command.h"
 #include "JsonOutput.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageUrl.h"
@@ -76,12 +77,12 @@ void PrintReadable(const std::vector<UrlKeys>& all) {
   for (size_t i = 0; i < all.size(); i++) {
     const auto& k = all[i];
     if (i) std::cout << "\n";
-    std::cout << k.url << "\n"
-              << "  host       " << k.host << "\n"
-              << "  path       " << k.path << "\n"
-              << "  extension  " << k.extension << "\n"
-              << "  query      " << k.query << "\n"
-              << "  shape      " << k.shape << "\n";
+    std::cout << ShownText(k.url) << "\n"
+              << "  host       " << ShownText(k.host) << "\n"
+              << "  path       " << ShownText(k.path) << "\n"
+              << "  extension  " << ShownText(k.extension) << "\n"
+              << "  query      " << ShownText(k.query) << "\n"
+              << "  shape      " << ShownText(k.shape) << "\n";
   }
 }
 

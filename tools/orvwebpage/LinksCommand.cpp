@@ -10,6 +10,7 @@
 #include "JsonOutput.h"
 #include "PageLinks.h"
 #include "PageSource.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvWebPageUrls.h"
 
@@ -89,10 +90,10 @@ void PrintReadable(const std::vector<LinkClass>& classes) {
   for (size_t i = 0; i < classes.size(); i++) {
     const auto& c = classes[i];
     std::cout << "\nclass " << i << " (" << c.links.size()
-              << (c.links.size() == 1 ? " link): " : " links): ") << c.key << "\n";
+              << (c.links.size() == 1 ? " link): " : " links): ") << ShownText(c.key) << "\n";
     for (const auto& link : c.links) {
-      std::cout << "  " << link.url;
-      if (!link.label.empty()) std::cout << "\t" << link.label;
+      std::cout << "  " << ShownText(link.url);
+      if (!link.label.empty()) std::cout << "\t" << ShownText(link.label);
       std::cout << "\n";
     }
   }

@@ -7,7 +7,9 @@
 #include "Command.h"
 #include "FetchOptions.h"
 #include "JsonOutput.h"
+#include "PageMemory.h"
 #include "PageSource.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
 
@@ -32,9 +34,11 @@ using TextClasses = std::vector<TextClass>;
 // Texts are copied out while the document is open; the classes only point
 // into it.
 TextClasses ClassifyPage(std::string page, const std::string& contentType) {
+  CheckPageMemory(page);
   OrvHtml doc;
   if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
     throw CommandError("cannot parse the page");
+  std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
   OrvVisibleBlocks blocks;
   blocks.Read(doc.root);
   TextClasses classes;
@@ -79,9 +83,9 @@ void PrintReadable(const TextClasses& classes) {
     std::cout << "\n"
               << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts.size()
               << (texts.size() == 1 ? " text)" : " texts)");
-    if (!page) std::cout << " at " << classes[c].path;
+    if (!page) std::cout << " at " << ShownText(classes[c].path);
     std::cout << "\n";
-    for (const auto& text : texts) std::cout << "  " << OneLine(text) << "\n";
+    for (const auto& text : texts) std::cout << "  " << ShownText(OneLine(text)) << "\n";
   }
 }
 

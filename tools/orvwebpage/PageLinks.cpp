@@ -1,15 +1,18 @@
 #include "PageLinks.h"
 
+#include "PageMemory.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvPageLinks.h"
 
 std::vector<PageLink> LinksOfPage(std::string html, const std::string& contentType,
                                   const std::string& pageUrl, bool* resolved) {
+  CheckPageMemory(html);
   OrvHtml doc;
   OrvPageLinks links;
   var_item* root = nullptr;
   if (doc.Open(html.data(), long(html.size()), ORV_CHARSET_UTF8, contentType.c_str()) == 0)
     root = doc.root;
+  std::string().swap(html);  // the tree holds copies: the raw page is no longer needed
   links.Read(root, pageUrl.data(), long(pageUrl.size()));
   std::vector<PageLink> out;
   OrvString url, label;

@@ -17,7 +17,11 @@ bool IsWebUrl(const std::string& source) {
 std::string ReadPageSource(const std::string& source, std::string* contentType,
                            const FetchOptions* fetch, bool json) {
   if (contentType) contentType->clear();
-  if (!IsWebUrl(source)) return ReadInput(source, json);
+  if (!IsWebUrl(source)) {
+    std::string page = ReadInput(source, json);
+    CheckTextSize(page.size(), source == "-" ? "the page on stdin" : source);
+    return page;
+  }
   if (fetch) OrvHttpLimits::Set(SettingsWith(*fetch));
   OrvHttpLimits::ResetCounters();
   OrvHttp http;

@@ -5,6 +5,8 @@
 
 #include <cstdio>
 
+#include "ShownText.h"
+
 namespace {
 
 constexpr auto kRedrawEvery = std::chrono::milliseconds(100);
@@ -76,9 +78,7 @@ void ProgressLine::Draw() {
   // line could not be redrawn in place.
   size_t room = static_cast<size_t>(TerminalWidth(fd)) - 1;
   if (!url.empty() && line.size() + 2 < room) {
-    std::string shown = url;
-    for (auto& c : shown)
-      if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+    std::string shown = ShownText(url);
     size_t left = room - line.size() - 2;
     if (shown.size() > left) shown = shown.substr(0, left > 3 ? left - 3 : 0) + "...";
     line += "  " + shown;

@@ -7,6 +7,7 @@
 
 #include "Command.h"
 #include "JsonOutput.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvWebPageUrlsSearch.h"
 
@@ -62,10 +63,10 @@ void PrintSearchJson(const SearchResult& result) {
 }
 
 void PrintReadable(const SearchResult& result, size_t searched) {
-  std::cout << "key: " << result.key << "\n"
+  std::cout << "key: " << ShownText(result.key) << "\n"
             << result.found.size() << " of " << searched << (searched == 1 ? " URL" : " URLs")
             << " found\n";
-  for (const auto& url : result.found) std::cout << "  " << url << "\n";
+  for (const auto& url : result.found) std::cout << "  " << ShownText(url) << "\n";
 }
 
 }  // namespace

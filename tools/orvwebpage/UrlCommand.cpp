@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Command.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvWebPageUrl.h"
 
 // orvwebpage url [--no-sort] [--json] URL...: the parsed record of each URL,
@@ -80,7 +81,8 @@ void PrintReadable(const std::vector<UrlParts>& all) {
         {"params", &params}, {"rebuilt", &p.rebuilt}, {"names", &p.names}};
     for (const auto& [label, value] : lines) {
       std::cout << label;
-      if (!value->empty()) std::cout << std::string(9 - std::string(label).size(), ' ') << *value;
+      if (!value->empty())
+        std::cout << std::string(9 - std::string(label).size(), ' ') << ShownText(*value);
       std::cout << "\n";
     }
   }

@@ -4,6 +4,7 @@
 
 #include "Command.h"
 #include "JsonOutput.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvVersion.h"
 
 namespace {
@@ -53,7 +54,8 @@ int main(int argc, char** argv) {
       for (auto& command : commands)
         if (command.app->get_name() == argv[2]) shown = command.app;
       if (shown == &app) {
-        std::cerr << "orvwebpage: no command named " << argv[2] << "; run orvwebpage --help\n";
+        std::cerr << "orvwebpage: no command named " << ShownText(argv[2])
+                  << "; run orvwebpage --help\n";
         return 2;
       }
     }
@@ -64,7 +66,8 @@ int main(int argc, char** argv) {
     bool known = false;
     for (auto& command : commands) known |= command.app->get_name() == argv[1];
     if (!known) {
-      std::cerr << "orvwebpage: no command named " << argv[1] << "; run orvwebpage --help\n";
+      std::cerr << "orvwebpage: no command named " << ShownText(argv[1])
+                << "; run orvwebpage --help\n";
       return 2;
     }
   }
@@ -74,7 +77,7 @@ int main(int argc, char** argv) {
   } catch (const CLI::Success& e) {
     return app.exit(e);
   } catch (const CLI::ParseError& e) {
-    std::cerr << "orvwebpage: " << e.what() << "\n";
+    std::cerr << "orvwebpage: " << ShownText(e.what()) << "\n";
     return 2;
   }
 
@@ -83,10 +86,10 @@ int main(int argc, char** argv) {
       if (command.app->parsed()) return command.run();
   } catch (const CommandError& e) {
     if (e.json) PrintJson(nlohmann::ordered_json{{"url", e.input}, {"error", e.reason}}, kOneLine);
-    std::cerr << "orvwebpage: " << e.what() << "\n";
+    std::cerr << "orvwebpage: " << ShownText(e.what()) << "\n";
     return 1;
   } catch (const std::exception& e) {
-    std::cerr << "orvwebpage: " << e.what() << "\n";
+    std::cerr << "orvwebpage: " << ShownText(e.what()) << "\n";
     return 1;
   }
   return 2;

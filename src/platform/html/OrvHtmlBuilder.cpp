@@ -10,6 +10,7 @@
 
 #include "core/OrvMemory.h"
 #include "platform/html/OrvHtmlNames.h"
+#include "platform/html/OrvLegacyDecode.h"
 #include "platform/html/OrvNameCache.h"
 #include "platform/html/OrvPageBytes.h"
 #include "platform/html/OrvPageCharset.h"
@@ -367,12 +368,32 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
     latin1 = false;
     decided.kind = OrvPageCharsetKind::kUtf8;
   }
+  // The parser's own decoders stop at the first byte they cannot decode and
+  // drop the rest of the page; these put U+FFFD there and read on.
+  bool converted = false;
+  if (decided.kind == OrvPageCharsetKind::kOther || wide) {
+    size_t decodedSize = 0;
+    char* utf8 = nullptr;
+    if (!wide) {
+      utf8 = OrvLegacyToUtf8(decided.label, bytes, size, size_t(INT_MAX), decodedSize);
+    } else if (size / 2 <= size_t(INT_MAX) / 3 - 1) {
+      utf8 = static_cast<char*>(OrvAllocBytes(3 * (size / 2) + 3));
+      decodedSize = OrvUtf16ToUtf8(utf8, bytes, size, decided.kind == OrvPageCharsetKind::kUtf16Be);
+    }
+    if (utf8) {
+      OrvFreeBytes(cleaned);
+      page = cleaned = utf8;
+      size = decodedSize;
+      bytes = reinterpret_cast<const unsigned char*>(page);
+      decided.kind = OrvPageCharsetKind::kUtf8;
+      converted = true;
+    }
+  }
   // The parser meets an ill-formed UTF-8 sequence by reading on as Latin-1
   // from a point that depends on its buffers, so the same page could give
   // different text; browsers put one U+FFFD in its place and read on.
-  bool illFormed = charset != ORV_CHARSET_BYTES && decided.kind == OrvPageCharsetKind::kUtf8 &&
-                   !OrvIsValidUtf8(bytes, size);
-  bool converted = false;
+  bool illFormed = !converted && charset != ORV_CHARSET_BYTES &&
+                   decided.kind == OrvPageCharsetKind::kUtf8 && !OrvIsValidUtf8(bytes, size);
   if ((windows1252 || latin1 || illFormed) && size <= size_t(INT_MAX) / 3) {
     char* utf8 = static_cast<char*>(OrvAllocBytes(3 * size));
     if (windows1252)

@@ -1,9 +1,9 @@
 #include "platform/html/OrvPageCharset.h"
 
-#include <libxml/encoding.h>
-
 #include <cstdint>
 #include <cstring>
+
+#include "platform/html/OrvCharsetLabels.h"
 
 namespace {
 
@@ -45,13 +45,6 @@ struct Label {
   bool Is(const char* lower) const { return !tooLong && std::strcmp(text, lower) == 0; }
 };
 
-bool OneOf(const Label& label, std::initializer_list<const char*> names) {
-  for (const char* name : names) {
-    if (label.Is(name)) return true;
-  }
-  return false;
-}
-
 // The encoding a label names, or false when the parser knows none by it.
 bool Resolve(const char* text, size_t length, bool fromMeta, OrvPageCharset& out) {
   while (length && IsSpace(uint8_t(*text))) text++, length--;
@@ -59,30 +52,13 @@ bool Resolve(const char* text, size_t length, bool fromMeta, OrvPageCharset& out
   Label label;
   for (size_t i = 0; i < length; i++) label.Add(Lower(uint8_t(text[i])));
   if (label.tooLong || label.length == 0) return false;
-  if (OneOf(label, {"utf-8", "utf8", "unicode-1-1-utf-8", "unicode11utf8", "unicode20utf8",
-                    "x-unicode20utf8"})) {
+  const OrvCharsetLabels* entry = OrvFindCharsetLabel(label.text);
+  if (!entry) return false;
+  out.kind = entry->kind;
+  // A page that could be read to its meta is no UTF-16 page.
+  if (fromMeta && (out.kind == Kind::kUtf16Le || out.kind == Kind::kUtf16Be))
     out.kind = Kind::kUtf8;
-  } else if (OneOf(label, {"windows-1252", "cp1252", "x-cp1252", "iso-8859-1", "iso8859-1",
-                           "iso88591", "iso_8859-1", "iso_8859-1:1987", "latin1", "l1", "cp819",
-                           "ibm819", "iso-ir-100", "csisolatin1", "us-ascii", "ascii",
-                           "ansi_x3.4-1968", "x-user-defined"})) {
-    out.kind = Kind::kWindows1252;
-  } else if (OneOf(label, {"utf-16", "utf-16le", "unicode", "ucs-2", "csunicode", "iso-10646-ucs-2",
-                           "unicodefeff"})) {
-    // A page that could be read to its meta is no UTF-16 page.
-    out.kind = fromMeta ? Kind::kUtf8 : Kind::kUtf16Le;
-  } else if (OneOf(label, {"utf-16be", "unicodefffe"})) {
-    out.kind = fromMeta ? Kind::kUtf8 : Kind::kUtf16Be;
-  } else {
-    if (OneOf(label, {"gb2312", "gbk", "x-gbk", "csgb2312", "chinese", "gb_2312", "gb_2312-80",
-                      "iso-ir-58", "csiso58gb231280"}))
-      std::strcpy(label.text, "gb18030");  // the superset browsers decode these as
-    xmlCharEncodingHandlerPtr handler = xmlFindCharEncodingHandler(label.text);
-    if (!handler) return false;
-    xmlCharEncCloseFunc(handler);
-    out.kind = Kind::kOther;
-    std::memcpy(out.label, label.text, sizeof out.label);
-  }
+  if (out.kind == Kind::kOther) std::strncpy(out.label, entry->converter, sizeof out.label - 1);
   return true;
 }
 

@@ -14,7 +14,7 @@ enum class OrvPageCharsetKind {
   kWindows1252,  // also every Latin-1 and ASCII label, as browsers read them
   kUtf16Le,
   kUtf16Be,
-  kOther,   // label holds a name the parser's converters accept
+  kOther,   // label holds the name of a legacy converter (OrvLegacyDecode.h)
   kLatin1,  // every byte a character of its own: pages read as bytes
 };
 
