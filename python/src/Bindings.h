@@ -2,6 +2,12 @@
 
 #include <pybind11/pybind11.h>
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "orvwebpage/OrvHttpLimits.h"
+
 // One function per analyser adds its part of the module.
 namespace orvpy {
 void AddUrl(pybind11::module_& m);
@@ -10,6 +16,12 @@ void AddSearch(pybind11::module_& m);
 void AddNodes(pybind11::module_& m);
 void AddEstimate(pybind11::module_& m);
 void AddPageLinks(pybind11::module_& m);
+void AddSize(pybind11::module_& m);
+
+// The limits of a crawl from a Python call's arguments; ValueError when one is out of range.
+OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
+                                 std::optional<double> deadline, std::optional<double> delay,
+                                 const std::optional<std::string>& userAgent, bool obeyRobots);
 
 // A tuple type with named fields (a struct sequence); the first `visible`
 // fields make the tuple, the others are attributes only.

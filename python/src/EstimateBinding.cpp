@@ -42,9 +42,11 @@ int32_t Milliseconds(const std::optional<double>& seconds, const char* what, boo
   return int32_t(std::ceil(s * 1000));
 }
 
-OrvHttpSettings MakeSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
-                             std::optional<double> deadline, std::optional<double> delay,
-                             const std::optional<std::string>& userAgent, bool obeyRobots) {
+}  // namespace
+
+OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
+                                 std::optional<double> deadline, std::optional<double> delay,
+                                 const std::optional<std::string>& userAgent, bool obeyRobots) {
   OrvHttpSettings settings;
   settings.obeyRobots = obeyRobots ? 1 : 0;
   if (maxRequests) {
@@ -64,6 +66,8 @@ OrvHttpSettings MakeSettings(std::optional<int64_t> maxRequests, std::optional<d
   }
   return settings;
 }
+
+namespace {
 
 // What the worker and the waiting caller share; the worker may outlive
 // nothing of it, since the caller always joins.
@@ -211,7 +215,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
-  crawl->settings = MakeSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
+  crawl->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
   crawl->hosts = HostPatterns(hosts);
   crawl->explain = explain;
 

@@ -34,5 +34,6 @@ library bytes that are not UTF-8 come out of it with U+FFFD; bytes stay bytes.)"
   orvpy::AddSearch(m);
   orvpy::AddNodes(m);
   orvpy::AddEstimate(m);
+  orvpy::AddSize(m);
   orvpy::AddPageLinks(m);
 }

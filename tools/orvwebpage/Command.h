@@ -57,3 +57,4 @@ Command AddSearchCommand(CLI::App& parent);
 Command AddLinksCommand(CLI::App& parent);
 Command AddEstimateCommand(CLI::App& parent);
 Command AddNodesCommand(CLI::App& parent);
+Command AddSizeCommand(CLI::App& parent);

@@ -39,9 +39,9 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", ORV_VERSION);
   app.require_subcommand(1);
 
-  const std::vector<Command (*)(CLI::App&)> factories = {AddUrlCommand,      AddKeysCommand,
-                                                         AddSearchCommand,   AddLinksCommand,
-                                                         AddEstimateCommand, AddNodesCommand};
+  const std::vector<Command (*)(CLI::App&)> factories = {
+      AddUrlCommand,      AddKeysCommand,  AddSearchCommand, AddLinksCommand,
+      AddEstimateCommand, AddNodesCommand, AddSizeCommand};
   std::vector<Command> commands;
   for (auto add : factories) commands.push_back(add(app));
   for (auto& command : commands) PlainValueNames(command.app);

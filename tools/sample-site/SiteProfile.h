@@ -37,5 +37,11 @@ std::unique_ptr<SiteProfile> MakeNoCrawlProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeShapesProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeSingleProfile(uint64_t seed);
 std::unique_ptr<SiteProfile> MakeMixedProfile(uint64_t seed, int64_t pages);
+// Today's URL designs (BlogProfiles.cpp).
+std::unique_ptr<SiteProfile> MakePathPagerProfile(uint64_t seed);
+std::unique_ptr<SiteProfile> MakeOlderOnlyProfile(uint64_t seed);
+std::unique_ptr<SiteProfile> MakeIndexPagerProfile(uint64_t seed);
+std::unique_ptr<SiteProfile> MakeRootQueryProfile(uint64_t seed);
+std::unique_ptr<SiteProfile> MakeWikiProfile(uint64_t seed);
 // The sitemap profiles (SitemapProfiles.cpp), by name; nullptr for another.
 std::unique_ptr<SiteProfile> MakeSitemapProfile(const std::string& name, uint64_t seed);

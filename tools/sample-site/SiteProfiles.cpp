@@ -22,6 +22,17 @@ const std::vector<SiteProfileInfo>& SiteProfiles() {
       {"shapes",
        "\"/\" links 3 items, a 404, a hub and an article whose link leads further; 8 pages", false},
       {"single", "\"/\" alone, without links; 1 page", false},
+      {"pathpager",
+       "blog with /page/N/ pagers, /2024/M/post-N/ posts, a summary home page, categories and "
+       "tags",
+       false},
+      {"olderonly", "blog with /pageN/ pagers that only say \"Older posts\", whole posts", false},
+      {"indexpager",
+       "blog with index2.html pagers, arrows and \"Page 1 / N\", relative links, categories",
+       false},
+      {"rootquery", "blog behind root queries: /?paged=N, /?p=ID, /?cat=N, whole posts, .php",
+       false},
+      {"wiki", "wiki of 12 namespaces under /wiki/, links between pages, no pager", false},
       {"sitemap", "60 posts in 6 archives, all in /sitemap.xml, no robots.txt; 67 pages", false},
       {"sitemap-index",
        "1,200 posts in 60 archives; robots.txt names an index of 60 sitemaps; 1,261 pages", false},
@@ -48,6 +59,11 @@ std::unique_ptr<SiteProfile> MakeSiteProfile(const std::string& name, uint64_t s
   if (name == "nocrawl") return MakeNoCrawlProfile(seed);
   if (name == "shapes") return MakeShapesProfile(seed);
   if (name == "single") return MakeSingleProfile(seed);
+  if (name == "pathpager") return MakePathPagerProfile(seed);
+  if (name == "olderonly") return MakeOlderOnlyProfile(seed);
+  if (name == "indexpager") return MakeIndexPagerProfile(seed);
+  if (name == "rootquery") return MakeRootQueryProfile(seed);
+  if (name == "wiki") return MakeWikiProfile(seed);
   if (name.rfind("sitemap", 0) == 0) return MakeSitemapProfile(name, seed);
   return nullptr;
 }

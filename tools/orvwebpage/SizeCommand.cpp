@@ -1,0 +1,324 @@
+// `orvwebpage size URL`: how many pages a site holds, from its sitemaps, a
+// crawl that reads today's pagers, and the exact estimate, with the range
+// the figure is sure of and each source's figure beside it.
+
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "Command.h"
+#include "JsonOutput.h"
+#include "ProgressLine.h"
+#include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvSiteSize.h"
+#include "orvwebpage/OrvString.h"
+
+namespace {
+
+struct SizeOptions {
+  std::string url;
+  int64_t maxRequests = 60;
+  double timeout = 0;   // seconds per request; 0: the HTTP layer's default
+  double deadline = 0;  // seconds for the whole run; 0: none
+  int32_t delay = 0;    // milliseconds between requests
+  std::string userAgent;
+  std::string hosts;
+  bool json = false;
+  bool explain = false;
+  bool ignoreRobots = false;
+};
+
+constexpr double kMaxSeconds = 1e6;
+
+const CLI::Validator kSeconds(
+    [](std::string& text) -> std::string {
+      double value = 0;
+      size_t used = 0;
+      try {
+        value = std::stod(text, &used);
+      } catch (const std::exception&) {
+        return "not a number of seconds: " + text;
+      }
+      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
+        return "seconds must be a number above 0 and at most 1000000: " + text;
+      return "";
+    },
+    "SECONDS");
+
+const CLI::Validator kHeaderText(
+    [](std::string& text) -> std::string {
+      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
+        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
+      for (unsigned char c : text)
+        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
+      return "";
+    },
+    "TEXT");
+
+const CLI::Validator kHostPatterns(
+    [](std::string& text) -> std::string {
+      OrvString cleaned;
+      int valid = OrvHttpLimits::SetHosts(text.data(), long(text.size()));
+      OrvHttpLimits::GetHosts(cleaned);
+      OrvHttpLimits::SetHosts("", 0);
+      if (!valid || cleaned.len == 0)
+        return "host patterns are HOST, *.DOMAIN or either with :PORT, split by commas: " + text;
+      return "";
+    },
+    "PATTERN[,PATTERN...]");
+
+int32_t Milliseconds(double seconds) {
+  double ms = std::ceil(seconds * 1000);
+  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
+}
+
+std::string Text(const OrvString& text) { return text.buf ? std::string(text.buf, text.len) : ""; }
+
+std::string Range(int64_t low, int64_t high) {
+  return std::to_string(low) + "-" + std::to_string(high);
+}
+
+std::atomic<OrvSiteSize*> interruptTarget{nullptr};
+std::atomic<bool> interrupted{false};
+
+void OnInterrupt(int) {
+  interrupted = true;
+  if (OrvSiteSize* size = interruptTarget.load()) size->Stop();
+}
+
+struct Progress {
+  ProgressLine line{STDERR_FILENO};
+};
+
+void ShowProgress(const OrvHttpProgress& p, void* context) {
+  static_cast<Progress*>(context)->line.Show(p.requests, p.bytes, p.url ? p.url : "", "sizing");
+}
+
+nlohmann::ordered_json Explanation(const OrvSiteSize& size) {
+  nlohmann::ordered_json out;
+  out["sitemaps"] = nlohmann::ordered_json::array();
+  for (int i = 0; i < size.GetSitemapCount(); ++i) {
+    OrvSiteSizeSitemap s;
+    if (!size.FetchSitemap(i, s)) continue;
+    nlohmann::ordered_json one;
+    one["url"] = Text(s.url);
+    one["pages"] = s.pages;
+    if (s.children) one["children"] = s.children;
+    if (s.sampled) one["sampled"] = true;
+    if (s.problem.len) one["problem"] = Text(s.problem);
+    out["sitemaps"].push_back(one);
+  }
+  out["listings"] = nlohmann::ordered_json::array();
+  for (int i = 0; i < size.GetListingCount(); ++i) {
+    OrvSiteSizeListing l;
+    if (!size.FetchListing(i, l)) continue;
+    nlohmann::ordered_json one;
+    one["first"] = Text(l.firstUrl);
+    one["template"] = Text(l.pattern);
+    one["kind"] = Text(l.family);
+    one["listings"] = l.members;
+    one["last_page"] = l.lastPage;
+    one["last_low"] = l.lastLow;
+    one["last_high"] = l.lastHigh;
+    one["item_shape"] = Text(l.itemShape);
+    one["items_per_page"] = l.itemsPerPage;
+    one["items"] = l.items;
+    one["pages_past_first"] = l.extraPages;
+    one["probes"] = nlohmann::ordered_json::array();
+    for (int p = 0; p < l.probeCount; ++p) {
+      OrvSiteSizeProbe probe;
+      if (size.FetchProbe(i, p, probe))
+        one["probes"].push_back(
+            {{"page", probe.page}, {"good", probe.good != 0}, {"status", probe.status}});
+    }
+    out["listings"].push_back(one);
+  }
+  out["shapes"] = nlohmann::ordered_json::array();
+  for (int i = 0; i < size.GetShapeCount(); ++i) {
+    OrvSiteSizeShape s;
+    if (!size.FetchShape(i, s)) continue;
+    out["shapes"].push_back({{"key", Text(s.key)},
+                             {"seen", s.seen},
+                             {"pages", s.pages},
+                             {"low", s.low},
+                             {"high", s.high},
+                             {"how", Text(s.how)}});
+  }
+  return out;
+}
+
+void PrintExplanation(const nlohmann::ordered_json& e, std::ostream& out) {
+  for (const auto& s : e["sitemaps"]) {
+    out << "sitemap  " << s["url"].get<std::string>() << ": " << s["pages"] << " pages";
+    if (s.contains("children")) out << ", " << s["children"] << " sitemaps named";
+    if (s.contains("sampled")) out << " (sampled)";
+    if (s.contains("problem")) out << " [" << s["problem"].get<std::string>() << "]";
+    out << "\n";
+  }
+  for (const auto& l : e["listings"]) {
+    out << "listing  " << l["first"].get<std::string>() << " -> "
+        << l["template"].get<std::string>() << ": last page " << l["last_page"] << " ("
+        << l["last_low"] << "-" << l["last_high"] << "), " << l["items_per_page"]
+        << " items a page of " << l["item_shape"].get<std::string>() << "; " << l["listings"]
+        << " listing(s) of kind " << l["kind"].get<std::string>() << ", " << l["pages_past_first"]
+        << " pages past their first\n         probes:";
+    for (const auto& p : l["probes"])
+      out << " " << p["page"] << (p["good"].get<bool>() ? " ok" : " end") << "(" << p["status"]
+          << ")";
+    out << "\n";
+  }
+  for (const auto& s : e["shapes"])
+    out << "shape    " << s["key"].get<std::string>() << ": " << s["pages"] << " (" << s["low"]
+        << "-" << s["high"] << ") by " << s["how"].get<std::string>() << ", " << s["seen"]
+        << " seen\n";
+}
+
+int RunSize(const SizeOptions& o) {
+  OrvSiteSize size;
+  OrvHttpSettings settings = OrvHttpLimits::Get();
+  settings.maxRequests = o.maxRequests;
+  if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
+  settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
+  settings.delayMs = o.delay;
+  std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
+  settings.obeyRobots = o.ignoreRobots ? 0 : 1;
+  if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
+
+  std::unique_ptr<Progress> progress;
+  if (isatty(STDERR_FILENO)) {
+    progress.reset(new Progress);
+    OrvHttpLimits::SetProgress(ShowProgress, progress.get());
+  }
+  interruptTarget = &size;
+  auto previous = std::signal(SIGINT, OnInterrupt);
+
+  OrvHttpLimits::ResetCounters();
+  auto start = std::chrono::steady_clock::now();
+  OrvHttpLimits::Set(settings);
+  size.Measure(o.url.data(), long(o.url.size()), o.maxRequests);
+  double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  bool deadlinePassed = OrvHttpLimits::IsSpent() && size.Requests() < o.maxRequests;
+
+  std::signal(SIGINT, previous);
+  interruptTarget = nullptr;
+  if (progress) {
+    OrvHttpLimits::SetProgress(nullptr, nullptr);
+    progress->line.Clear();
+  }
+
+  if (size.Source() == ORV_SIZE_NONE) {
+    OrvString failedUrl, failure;
+    OrvHttpLimits::GetLastFailure(failedUrl, failure);
+    std::string why = interrupted      ? "interrupted"
+                      : deadlinePassed ? "the deadline passed first"
+                      : failure.len    ? Text(failure)
+                                       : "no readable page came back";
+    if (o.json) {
+      nlohmann::ordered_json out;
+      out["url"] = o.url;
+      out["error"] = why;
+      PrintJson(out, kOneLine);
+    }
+    throw CommandError("cannot read " + o.url + ": " + why);
+  }
+
+  nlohmann::ordered_json out;
+  out["url"] = o.url;
+  out["pages"] = size.Pages();
+  out["low"] = size.Low();
+  out["high"] = size.High();
+  out["source"] = OrvSiteSize::SourceName(size.Source());
+  out["requests"] = size.Requests();
+  out["seconds"] = seconds;
+  if (interrupted || deadlinePassed) {
+    out["partial"] = true;
+    out["reason"] = interrupted ? "interrupted" : "deadline";
+  }
+  if (size.ExactWrapped()) out["wrapped"] = true;
+  OrvStrArray refused;
+  OrvHttpLimits::GetRobotsRefused(refused);
+  if (refused.count) {
+    out["robots_refused"] = nlohmann::ordered_json::array();
+    for (int32_t i = 0; i < refused.count; ++i)
+      out["robots_refused"].push_back(std::string(refused[i], size_t(refused.GetStringLen(i))));
+  }
+  out["why"] = Text(size.Reason());
+  out["sitemap"] = {{"pages", size.SitemapPages()},
+                    {"low", size.SitemapLow()},
+                    {"high", size.SitemapHigh()},
+                    {"trusted", size.SitemapTrusted() != 0},
+                    {"requests", size.SitemapRequests()}};
+  out["crawl"] = {{"pages", size.CrawlPages()},
+                  {"low", size.CrawlLow()},
+                  {"high", size.CrawlHigh()},
+                  {"pages_read", size.CrawlPagesRead()},
+                  {"requests", size.CrawlRequests()}};
+  out["exact"] = {{"pages", size.ExactPages()}, {"requests", size.ExactRequests()}};
+  nlohmann::ordered_json explanation;
+  if (o.explain) explanation = Explanation(size);
+
+  if (o.json) {
+    if (o.explain)
+      for (auto& [key, value] : explanation.items()) out[key] = value;
+    PrintJson(out, kOneLine);
+    return 0;
+  }
+  char secondsText[32];
+  std::snprintf(secondsText, sizeof secondsText, "%.2f", seconds);
+  std::cout << "url:      " << o.url << "\n"
+            << "pages:    " << size.Pages() << " (" << Range(size.Low(), size.High()) << "), from "
+            << OrvSiteSize::SourceName(size.Source()) << " (" << Text(size.Reason()) << ")\n"
+            << "sitemap:  " << size.SitemapPages() << " ("
+            << Range(size.SitemapLow(), size.SitemapHigh()) << ")"
+            << (size.SitemapPages() ? size.SitemapTrusted() ? ", trusted" : ", not trusted" : "")
+            << "\n"
+            << "crawl:    " << size.CrawlPages() << " (" << Range(size.CrawlLow(), size.CrawlHigh())
+            << "), " << size.CrawlPagesRead() << " pages read\n"
+            << "exact:    " << size.ExactPages() << (size.ExactWrapped() ? " (wrapped)" : "")
+            << "\n"
+            << "requests: " << size.Requests() << " (sitemap " << size.SitemapRequests()
+            << ", crawl " << size.CrawlRequests() << ", exact " << size.ExactRequests() << ")\n"
+            << "seconds:  " << secondsText << "\n";
+  if (out.contains("partial"))
+    std::cout << "partial:  " << out["reason"].get<std::string>() << "\n";
+  if (out.contains("robots_refused"))
+    std::cout << "robots:   " << out["robots_refused"].size() << " URLs refused by robots.txt\n";
+  if (o.explain) PrintExplanation(explanation, std::cout);
+  return 0;
+}
+
+}  // namespace
+
+Command AddSizeCommand(CLI::App& parent) {
+  auto* app = parent.add_subcommand(
+      "size", "How many pages a site holds: sitemaps, a crawl of its listings, the exact estimate");
+  auto o = std::make_shared<SizeOptions>();
+  app->add_option("URL", o->url, "entry URL of the site")->required();
+  app->add_option("--max-requests", o->maxRequests, "requests the whole run may make (60)")
+      ->check(CLI::PositiveNumber);
+  app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
+      ->check(kSeconds);
+  app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
+  app->add_option("--delay", o->delay, "milliseconds to wait between requests")
+      ->check(CLI::Range(0, INT32_MAX));
+  app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
+  app->add_option("--hosts", o->hosts,
+                  "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
+      ->check(kHostPatterns);
+  app->add_flag("--json", o->json,
+                "print one JSON document: url, pages, low, high, source, requests, seconds, ...");
+  app->add_flag("--ignore-robots", o->ignoreRobots, "do not read or obey robots.txt files");
+  app->add_flag("--explain", o->explain,
+                "also print what the figure is made of: sitemaps, listings, shapes");
+  return {app, [o] { return RunSize(*o); }};
+}
