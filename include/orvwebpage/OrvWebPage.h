@@ -11,6 +11,7 @@
 #include "orvwebpage/OrvItemPath.h"
 #include "orvwebpage/OrvMemoryUse.h"
 #include "orvwebpage/OrvPageLinks.h"
+#include "orvwebpage/OrvSiteSize.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvSys.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"

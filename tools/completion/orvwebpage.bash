@@ -2,7 +2,7 @@
 _orvwebpage() {
   local cur prev words cword
   _init_completion || return
-  local commands="url keys search links nodes estimate help"
+  local commands="url keys search links nodes estimate size help"
   local command="" i
   for ((i = 1; i < cword; i++)); do
     case "${words[i]}" in
@@ -28,6 +28,8 @@ _orvwebpage() {
     nodes) options+=" --timeout --user-agent" ;;
     estimate) options+=" --max-requests --timeout --deadline --delay --user-agent --hosts
       --ignore-robots --jobs --from --explain" ;;
+    size) options+=" --max-requests --timeout --deadline --delay --user-agent --hosts
+      --ignore-robots --explain" ;;
     help) COMPREPLY=($(compgen -W "$commands" -- "$cur")); return ;;
   esac
   if [[ "$cur" == -* ]]; then
