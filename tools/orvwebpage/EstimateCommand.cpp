@@ -53,20 +53,6 @@ struct EstimateOptions {
   bool explain = false;
 };
 
-const CLI::Validator kHostPatterns(
-    [](std::string& text) -> std::string {
-      // The library is the judge of a pattern; what it takes is set again
-      // when the run starts.
-      OrvString cleaned;
-      int valid = OrvHttpLimits::SetHosts(text.data(), long(text.size()));
-      OrvHttpLimits::GetHosts(cleaned);
-      OrvHttpLimits::SetHosts("", 0);
-      if (!valid || cleaned.len == 0)
-        return "host patterns are HOST, *.DOMAIN or either with :PORT, split by commas: " + text;
-      return "";
-    },
-    "PATTERN[,PATTERN...]");
-
 // The crawl follows every link whose host contains the entry host behind its
 // first dot. Gives a warning when that matches far more than the site: an
 // empty domain (no dot) matches every host, a single label ("com") most.

@@ -39,6 +39,20 @@ const CLI::Validator kHeaderText(
     },
     "TEXT");
 
+const CLI::Validator kHostPatterns(
+    [](std::string& text) -> std::string {
+      // The library is the judge of a pattern; what it takes is set again
+      // when the run starts.
+      OrvString cleaned;
+      int valid = OrvHttpLimits::SetHosts(text.data(), long(text.size()));
+      OrvHttpLimits::GetHosts(cleaned);
+      OrvHttpLimits::SetHosts("", 0);
+      if (!valid || cleaned.len == 0)
+        return "host patterns are HOST, *.DOMAIN or either with :PORT, split by commas: " + text;
+      return "";
+    },
+    "PATTERN[,PATTERN...]");
+
 int32_t Milliseconds(double seconds) {
   double ms = std::ceil(seconds * 1000);
   return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);

@@ -9,6 +9,8 @@
 extern const CLI::Validator kSeconds;
 // Text that can go into a request header.
 extern const CLI::Validator kHeaderText;
+// Host patterns as the HTTP layer takes them.
+extern const CLI::Validator kHostPatterns;
 
 // How a command that reads one page fetches it.
 struct FetchOptions {

@@ -17,8 +17,10 @@
 #include <string>
 
 #include "Command.h"
+#include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "ShownText.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvSiteSize.h"
 #include "orvwebpage/OrvString.h"
@@ -37,50 +39,6 @@ struct SizeOptions {
   bool explain = false;
   bool ignoreRobots = false;
 };
-
-constexpr double kMaxSeconds = 1e6;
-
-const CLI::Validator kSeconds(
-    [](std::string& text) -> std::string {
-      double value = 0;
-      size_t used = 0;
-      try {
-        value = std::stod(text, &used);
-      } catch (const std::exception&) {
-        return "not a number of seconds: " + text;
-      }
-      if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
-        return "seconds must be a number above 0 and at most 1000000: " + text;
-      return "";
-    },
-    "SECONDS");
-
-const CLI::Validator kHeaderText(
-    [](std::string& text) -> std::string {
-      if (text.size() >= sizeof(OrvHttpSettings{}.userAgent))
-        return "at most " + std::to_string(sizeof(OrvHttpSettings{}.userAgent) - 1) + " bytes";
-      for (unsigned char c : text)
-        if (c < 0x20 || c == 0x7F) return "control characters cannot go into a header";
-      return "";
-    },
-    "TEXT");
-
-const CLI::Validator kHostPatterns(
-    [](std::string& text) -> std::string {
-      OrvString cleaned;
-      int valid = OrvHttpLimits::SetHosts(text.data(), long(text.size()));
-      OrvHttpLimits::GetHosts(cleaned);
-      OrvHttpLimits::SetHosts("", 0);
-      if (!valid || cleaned.len == 0)
-        return "host patterns are HOST, *.DOMAIN or either with :PORT, split by commas: " + text;
-      return "";
-    },
-    "PATTERN[,PATTERN...]");
-
-int32_t Milliseconds(double seconds) {
-  double ms = std::ceil(seconds * 1000);
-  return ms >= INT32_MAX ? INT32_MAX : static_cast<int32_t>(ms);
-}
 
 std::string Text(const OrvString& text) { return text.buf ? std::string(text.buf, text.len) : ""; }
 
@@ -157,30 +115,31 @@ nlohmann::ordered_json Explanation(const OrvSiteSize& size) {
   return out;
 }
 
+// A text of a page or a server, as a terminal may show it.
+std::string Shown(const nlohmann::ordered_json& text) { return ShownText(text.get<std::string>()); }
+
 void PrintExplanation(const nlohmann::ordered_json& e, std::ostream& out) {
   for (const auto& s : e["sitemaps"]) {
-    out << "sitemap  " << s["url"].get<std::string>() << ": " << s["pages"] << " pages";
+    out << "sitemap  " << Shown(s["url"]) << ": " << s["pages"] << " pages";
     if (s.contains("children")) out << ", " << s["children"] << " sitemaps named";
     if (s.contains("sampled")) out << " (sampled)";
-    if (s.contains("problem")) out << " [" << s["problem"].get<std::string>() << "]";
+    if (s.contains("problem")) out << " [" << Shown(s["problem"]) << "]";
     out << "\n";
   }
   for (const auto& l : e["listings"]) {
-    out << "listing  " << l["first"].get<std::string>() << " -> "
-        << l["template"].get<std::string>() << ": last page " << l["last_page"] << " ("
-        << l["last_low"] << "-" << l["last_high"] << "), " << l["items_per_page"]
-        << " items a page of " << l["item_shape"].get<std::string>() << "; " << l["listings"]
-        << " listing(s) of kind " << l["kind"].get<std::string>() << ", " << l["pages_past_first"]
-        << " pages past their first\n         probes:";
+    out << "listing  " << Shown(l["first"]) << " -> " << Shown(l["template"]) << ": last page "
+        << l["last_page"] << " (" << l["last_low"] << "-" << l["last_high"] << "), "
+        << l["items_per_page"] << " items a page of " << Shown(l["item_shape"]) << "; "
+        << l["listings"] << " listing(s) of kind " << Shown(l["kind"]) << ", "
+        << l["pages_past_first"] << " pages past their first\n         probes:";
     for (const auto& p : l["probes"])
       out << " " << p["page"] << (p["good"].get<bool>() ? " ok" : " end") << "(" << p["status"]
           << ")";
     out << "\n";
   }
   for (const auto& s : e["shapes"])
-    out << "shape    " << s["key"].get<std::string>() << ": " << s["pages"] << " (" << s["low"]
-        << "-" << s["high"] << ") by " << s["how"].get<std::string>() << ", " << s["seen"]
-        << " seen\n";
+    out << "shape    " << Shown(s["key"]) << ": " << s["pages"] << " (" << s["low"] << "-"
+        << s["high"] << ") by " << s["how"].get<std::string>() << ", " << s["seen"] << " seen\n";
 }
 
 int RunSize(const SizeOptions& o) {
@@ -275,7 +234,7 @@ int RunSize(const SizeOptions& o) {
   }
   char secondsText[32];
   std::snprintf(secondsText, sizeof secondsText, "%.2f", seconds);
-  std::cout << "url:      " << o.url << "\n"
+  std::cout << "url:      " << ShownText(o.url) << "\n"
             << "pages:    " << size.Pages() << " (" << Range(size.Low(), size.High()) << "), from "
             << OrvSiteSize::SourceName(size.Source()) << " (" << Text(size.Reason()) << ")\n"
             << "sitemap:  " << size.SitemapPages() << " ("
@@ -305,12 +264,12 @@ Command AddSizeCommand(CLI::App& parent) {
   auto o = std::make_shared<SizeOptions>();
   app->add_option("URL", o->url, "entry URL of the site")->required();
   app->add_option("--max-requests", o->maxRequests, "requests the whole run may make (60)")
-      ->check(CLI::PositiveNumber);
+      ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
   app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
-      ->check(CLI::Range(0, INT32_MAX));
+      ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
