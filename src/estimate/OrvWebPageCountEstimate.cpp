@@ -12,6 +12,7 @@ OrvWebPageCountEstimate::OrvWebPageCountEstimate(const OrvWebPageCountEstimate& 
 
 OrvWebPageCountEstimate::~OrvWebPageCountEstimate() { OrvRelease(estimator); }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): copy and swap, safe on itself
 OrvWebPageCountEstimate& OrvWebPageCountEstimate::operator=(const OrvWebPageCountEstimate& other) {
   return OrvAssignShared(*this, other, &OrvWebPageCountEstimate::estimator);
 }

@@ -85,7 +85,10 @@ void OrvWebPageUrls::ClearLinks() {
 
 int OrvWebPageUrls::GetClassCount() { return int(results->classes.count); }
 
-void* OrvWebPageUrls::FetchClass(int index) { return reinterpret_cast<void*>(intptr_t(index)); }
+// The handle is the class's index, as the interface has it.
+void* OrvWebPageUrls::FetchClass(int index) {
+  return reinterpret_cast<void*>(intptr_t(index));  // NOLINT(performance-no-int-to-ptr)
+}
 
 int OrvWebPageUrls::GetClassKeyStr(void* handle, OrvString& key) {
   const char* text = nullptr;

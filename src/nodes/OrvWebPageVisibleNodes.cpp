@@ -11,6 +11,7 @@ OrvWebPageVisibleNodes::OrvWebPageVisibleNodes(const OrvWebPageVisibleNodes& oth
 
 OrvWebPageVisibleNodes::~OrvWebPageVisibleNodes() { OrvRelease(classifier); }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): copy and swap, safe on itself
 OrvWebPageVisibleNodes& OrvWebPageVisibleNodes::operator=(const OrvWebPageVisibleNodes& other) {
   return OrvAssignShared(*this, other, &OrvWebPageVisibleNodes::classifier);
 }

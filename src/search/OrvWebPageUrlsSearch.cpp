@@ -11,6 +11,7 @@ OrvWebPageUrlsSearch::OrvWebPageUrlsSearch(const OrvWebPageUrlsSearch& other)
 
 OrvWebPageUrlsSearch::~OrvWebPageUrlsSearch() { OrvRelease(searcher); }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): copy and swap, safe on itself
 OrvWebPageUrlsSearch& OrvWebPageUrlsSearch::operator=(const OrvWebPageUrlsSearch& other) {
   return OrvAssignShared(*this, other, &OrvWebPageUrlsSearch::searcher);
 }

@@ -80,7 +80,7 @@ OrvFile& OrvFile::operator=(const OrvFile& other) {
 
 OrvFile::~OrvFile() {
   OrvUnmapAllFileViews(this);
-  Close();
+  OrvFile::Close();  // a derived class is gone by now: this class's own
 }
 
 // fd, if it still names the file this object opened: a copy may have closed

@@ -10,8 +10,10 @@
 
 namespace {
 
+constexpr char kReplacement[3] = {'\xEF', '\xBF', '\xBD'};  // U+FFFD
+
 void PutReplacement(char* out, size_t& o) {
-  std::memcpy(out + o, "\xEF\xBF\xBD", 3);
+  std::memcpy(out + o, kReplacement, sizeof kReplacement);
   o += 3;
 }
 
@@ -39,6 +41,7 @@ char* OrvLegacyToUtf8(const char* converter, const unsigned char* in, size_t n, 
                       size_t& outLength) {
   outLength = 0;
   iconv_t cd = iconv_open("UTF-8", converter);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): iconv_open's failure value
   if (cd == iconv_t(-1)) return nullptr;
   // Every byte gives at most one character of up to three bytes, or one
   // replacement; the rare four-byte character stands for four bytes.
