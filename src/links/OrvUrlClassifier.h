@@ -21,9 +21,8 @@ class OrvUrlClassifier : public OrvShared {
   OrvByteList* enabledExtractors;
   OrvUrlClassStore* results;
 
-  OrvUrlClassifier(OrvUrlFilterExtractor* extractor, OrvByteList* enabledExtractors,
-                   OrvUrlClassStore* results)
-      : extractor(extractor), enabledExtractors(enabledExtractors), results(results) {}
+  OrvUrlClassifier(OrvUrlFilterExtractor* filters, OrvByteList* enabled, OrvUrlClassStore* store)
+      : extractor(filters), enabledExtractors(enabled), results(store) {}
   OrvUrlClassifier(const OrvUrlClassifier&) = delete;
   OrvUrlClassifier& operator=(const OrvUrlClassifier&) = delete;
   ~OrvUrlClassifier() { ClearGroups(); }

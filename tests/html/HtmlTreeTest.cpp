@@ -50,7 +50,9 @@ TEST(OrvHtml, TagAndAttributeNumbers) {
                           {"style", {92}}, {"title", {93}}, {"@href", {14}}};
   for (const auto& [name, given] : numbers) {
     EXPECT_EQ(given.size(), 1u) << name;
-    if (reserved.count(name)) EXPECT_EQ(given, reserved[name]) << name;
+    if (reserved.count(name)) {
+      EXPECT_EQ(given, reserved[name]) << name;
+    }
     for (int r : name[0] == '@' ? std::set<int>{14} : std::set<int>{0, 60, 87, 92, 93})
       EXPECT_TRUE(reserved.count(name) || !given.count(r)) << name;
   }

@@ -19,11 +19,11 @@ struct Command {
 // stdout when it names the input it could not read.
 struct CommandError : std::runtime_error {
   using std::runtime_error::runtime_error;
-  CommandError(const std::string& input, const std::string& reason, bool json)
-      : std::runtime_error("cannot read " + input + ": " + reason),
-        input(input),
-        reason(reason),
-        json(json) {}
+  CommandError(const std::string& source, const std::string& why, bool asJson)
+      : std::runtime_error("cannot read " + source + ": " + why),
+        input(source),
+        reason(why),
+        json(asJson) {}
   std::string input;
   std::string reason;
   bool json = false;

@@ -21,7 +21,7 @@ class OrvNameCache {
  public:
   typedef uint16_t (*Numbering)(const char* name);
 
-  explicit OrvNameCache(Numbering numbering) : numbering(numbering) {}
+  explicit OrvNameCache(Numbering number) : numbering(number) {}
   OrvNameCache(const OrvNameCache&) = delete;
   OrvNameCache& operator=(const OrvNameCache&) = delete;
   ~OrvNameCache() { OrvFreeBytes(slots); }
