@@ -4,10 +4,10 @@
 
 #include <mutex>
 
-int OrvCurlGlobalInit() {
+bool OrvCurlGlobalInit() {
   // Never cleaned up: other clients of the process may still hold handles at exit.
   static std::once_flag once;
   static CURLcode result = CURLE_FAILED_INIT;
   std::call_once(once, [] { result = curl_global_init(CURL_GLOBAL_DEFAULT); });
-  return result == CURLE_OK ? 1 : 0;
+  return result == CURLE_OK;
 }

@@ -1,5 +1,5 @@
 #pragma once
 
 // libcurl's process-wide set-up, done once whichever thread asks first.
-// Gives 1 when libcurl is ready.
-int OrvCurlGlobalInit();
+// Whether libcurl is ready.
+[[nodiscard]] bool OrvCurlGlobalInit();

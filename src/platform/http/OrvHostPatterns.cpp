@@ -85,10 +85,10 @@ bool SameText(const char* a, const char* b, long length) {
 
 }  // namespace
 
-int OrvHostPatterns::Set(const char* patterns, long length) {
+bool OrvHostPatterns::Set(const char* patterns, long length) {
   if (!patterns) length = 0;
   if (length < 0) length = Orvstrlen(patterns);
-  if (length > INT32_MAX / 2) return 0;
+  if (length > INT32_MAX / 2) return false;
   OrvString cleaned;
   cleaned.CopyBuf("", 0);
   OrvStrArray newHosts;
@@ -104,7 +104,7 @@ int OrvHostPatterns::Set(const char* patterns, long length) {
       while (from < to && IsBlank(patterns[from])) from++;
       while (to > from && IsBlank(patterns[to - 1])) to--;
       int32_t port = 0;
-      if (!ReadPattern(patterns + from, to - from, host, port)) return 0;
+      if (!ReadPattern(patterns + from, to - from, host, port)) return false;
       newHosts.AddString(host.buf, host.len);
       newPorts.push_back(port);
       if (cleaned.len > 0) cleaned += ',';
@@ -120,15 +120,15 @@ int OrvHostPatterns::Set(const char* patterns, long length) {
   text = cleaned;
   hosts = newHosts;
   ports.swap(newPorts);
-  return 1;
+  return true;
 }
 
-int OrvHostPatterns::Allows(const char* host, long length, long port) const {
-  if (hosts.count == 0) return 1;
-  if (!host) return 0;
+bool OrvHostPatterns::Allows(const char* host, long length, long port) const {
+  if (hosts.count == 0) return true;
+  if (!host) return false;
   if (length < 0) length = Orvstrlen(host);
   if (length > 0 && host[length - 1] == '.') length--;
-  if (length < 1) return 0;
+  if (length < 1) return false;
   for (int32_t i = 0; i < hosts.count; i++) {
     if (ports[size_t(i)] && ports[size_t(i)] != port) continue;
     const char* pattern = hosts[i];
@@ -136,10 +136,10 @@ int OrvHostPatterns::Allows(const char* host, long length, long port) const {
     if (patternLength >= 2 && pattern[0] == '*' && pattern[1] == '.') {
       // The dot before the domain is part of what must match: a.site.test, not asite.test.
       long tail = patternLength - 1;
-      if (length > tail && SameText(host + length - tail, pattern + 1, tail)) return 1;
+      if (length > tail && SameText(host + length - tail, pattern + 1, tail)) return true;
     } else if (length == patternLength && SameText(host, pattern, length)) {
-      return 1;
+      return true;
     }
   }
-  return 0;
+  return false;
 }

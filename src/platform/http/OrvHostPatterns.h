@@ -12,14 +12,13 @@
 // compare without regard to ASCII case or a final dot.
 class OrvHostPatterns {
  public:
-  // Replaces the patterns. Gives 0, keeping the old ones, when a pattern is
+  // Replaces the patterns. Gives false, keeping the old ones, when a pattern is
   // malformed. Empty text (or only blanks) leaves no pattern: every host is allowed.
-  int Set(const char* text, long length);
-  int IsEmpty() const { return hosts.count == 0 ? 1 : 0; }
+  [[nodiscard]] bool Set(const char* text, long length);
   // The patterns as Set took them, cleaned: lower case, comma between them.
   const OrvString& Text() const { return text; }
   // host as libcurl gives it (IPv6 in brackets), port the one connected to.
-  int Allows(const char* host, long length, long port) const;
+  [[nodiscard]] bool Allows(const char* host, long length, long port) const;
 
  private:
   OrvString text;

@@ -21,10 +21,10 @@ struct OrvHttpAdmission {
   int deadlineCut = 0;  // the deadline made a timeout shorter
 };
 
-// 1 when the run's host patterns let target through.
-int OrvHttpHostAllowed(OrvHttpRunState& run, const OrvRequestTarget& target);
-// 1 when the run's settings ask for robots.txt to be obeyed.
-int OrvHttpObeysRobots(OrvHttpRunState& run);
+// Whether the run's host patterns let target through.
+[[nodiscard]] bool OrvHttpHostAllowed(OrvHttpRunState& run, const OrvRequestTarget& target);
+// Whether the run's settings ask for robots.txt to be obeyed.
+[[nodiscard]] bool OrvHttpObeysRobots(OrvHttpRunState& run);
 
 // Takes one request from the budget and waits out the delay since the
 // previous start, and the Crawl-delay of origin (when not NULL); countFetch
@@ -33,7 +33,7 @@ int OrvHttpObeysRobots(OrvHttpRunState& run);
 // ORV_HTTP_BUDGET_SPENT when the budget or the deadline is spent or the delay
 // would end past the deadline, ORV_HTTP_STOPPED once the run is stopped.
 // url is NUL-terminated.
-ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& run, const char* url, const OrvRequestTarget& target,
+[[nodiscard]] ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& run, const char* url, const OrvRequestTarget& target,
                              int countFetch, OrvHttpOrigin* origin, OrvHttpAdmission& admission,
                              const char*& reason);
 

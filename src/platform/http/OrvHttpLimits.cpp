@@ -184,14 +184,14 @@ void OrvHttpLimits::Stop() {
   s.wake.notify_all();
 }
 
-int OrvHttpHostAllowed(OrvHttpRunState& s, const OrvRequestTarget& target) {
+bool OrvHttpHostAllowed(OrvHttpRunState& s, const OrvRequestTarget& target) {
   std::lock_guard<std::mutex> hold(s.lock);
   return s.hosts.Allows(target.host.buf, target.host.len, target.port);
 }
 
-int OrvHttpObeysRobots(OrvHttpRunState& s) {
+bool OrvHttpObeysRobots(OrvHttpRunState& s) {
   std::lock_guard<std::mutex> hold(s.lock);
-  return s.settings.obeyRobots ? 1 : 0;
+  return s.settings.obeyRobots != 0;
 }
 
 ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& s, const char* url, const OrvRequestTarget& target,

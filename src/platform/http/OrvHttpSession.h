@@ -42,5 +42,5 @@ struct OrvHttpSession {
 // GET of the NUL-terminated session.url in run, following redirects; on
 // failure session.failure (and, as the plan says, the run's last failure)
 // says why.
-ORV_HTTP_STATUS OrvSessionFetch(OrvHttpSession& session, OrvHttpRunState& run,
+[[nodiscard]] ORV_HTTP_STATUS OrvSessionFetch(OrvHttpSession& session, OrvHttpRunState& run,
                                 const OrvFetchPlan& plan);

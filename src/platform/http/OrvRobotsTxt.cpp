@@ -191,13 +191,13 @@ void OrvRobotsTxt::Parse(const char* text, long length, const char* agent, long 
   crawlDelayMs = ownSeen ? ownDelay : starDelay;
 }
 
-int OrvRobotsTxt::Allows(const char* path, long length) const {
-  if (disallowAll) return 0;
+bool OrvRobotsTxt::Allows(const char* path, long length) const {
+  if (disallowAll) return false;
   if (!path || length <= 0) path = "/", length = 1;
   OrvString normal;
   OrvNormalizeRobotsPath(path, length, normal);
   // The file itself is always there to be read.
-  if (normal.len == 11 && std::memcmp(normal.buf, "/robots.txt", 11) == 0) return 1;
+  if (normal.len == 11 && std::memcmp(normal.buf, "/robots.txt", 11) == 0) return true;
   long best = -1;
   int allowed = 1;
   for (const Rule& rule : rules) {
@@ -206,5 +206,5 @@ int OrvRobotsTxt::Allows(const char* path, long length) const {
     best = rule.pattern.len;
     allowed = rule.allow;
   }
-  return allowed;
+  return allowed != 0;
 }

@@ -23,7 +23,7 @@ class OrvRobotsTxt {
   void DisallowAll();
 
   // path: the path and query of a URL as sent, "/" when empty.
-  int Allows(const char* path, long length) const;
+  [[nodiscard]] bool Allows(const char* path, long length) const;
   // The Crawl-delay of the chosen groups, in milliseconds; 0 when none.
   int64_t CrawlDelayMs() const { return crawlDelayMs; }
   // The Sitemap lines of the whole file, in file order.
