@@ -37,7 +37,7 @@ int CloseNothing(void*) { return 0; }
 void KeepQuiet(void*, xmlErrorPtr) {}
 
 bool NameIs(const xmlChar* name, const char* want) {
-  return name && std::strcmp(reinterpret_cast<const char*>(name), want) == 0;
+  return name && want && std::strcmp(reinterpret_cast<const char*>(name), want) == 0;
 }
 
 void ParseXml(OrvSitemapSource& source, int32_t maxLocs, OrvSitemapLocFn onLoc, void* context,

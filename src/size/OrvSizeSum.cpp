@@ -3,6 +3,7 @@
 // pages of the listings past their first added.
 
 #include <algorithm>
+#include <cmath>
 
 #include "size/OrvRecapture.h"
 #include "size/OrvSizeCrawl.h"
@@ -112,7 +113,7 @@ void OrvSizeCrawl::Sum() {
       members = std::max(1.0, s.estimate), membersLow = std::max(1.0, s.low);
       membersHigh = std::max(1.0, s.high);
     }
-    listing.members = int64_t(members + 0.5);
+    listing.members = std::llround(members);
     listing.extraPages = members * listing.memberExtra;
     listing.extraLow = membersLow * listing.memberExtraLow;
     listing.extraHigh = membersHigh * listing.memberExtraHigh;

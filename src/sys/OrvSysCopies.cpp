@@ -5,6 +5,7 @@ OrvParallVar::OrvParallVar(const OrvParallVar&) {}
 OrvParallVar& OrvParallVar::operator=(const OrvParallVar&) { return *this; }
 OrvParallVar::~OrvParallVar() {}
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): two word copies, safe on itself
 OrvFileEx& OrvFileEx::operator=(const OrvFileEx& other) {
   words[0] = other.words[0];
   words[1] = other.words[1];

@@ -10,6 +10,7 @@ OrvThreadPool::OrvThreadPool(const OrvThreadPool& other) {
 }
 
 OrvThreadPool& OrvThreadPool::operator=(const OrvThreadPool& other) {
+  if (this == &other) return *this;  // std::copy onto its own source is undefined
   std::copy(std::begin(other.poolWords), std::end(other.poolWords), poolWords);
   return *this;
 }
@@ -23,6 +24,7 @@ OrvParallelClient::OrvParallelClient(const OrvParallelClient& other) : OrvThread
 }
 
 OrvParallelClient& OrvParallelClient::operator=(const OrvParallelClient& other) {
+  if (this == &other) return *this;  // std::copy onto its own source is undefined
   OrvThreadPool::operator=(other);
   std::copy(std::begin(other.parallelWords), std::end(other.parallelWords), parallelWords);
   return *this;
@@ -37,6 +39,7 @@ OrvServer::OrvServer(const OrvServer& other) : OrvThreadPool(other), serverText(
 }
 
 OrvServer& OrvServer::operator=(const OrvServer& other) {
+  if (this == &other) return *this;  // std::copy onto its own source is undefined
   OrvThreadPool::operator=(other);
   std::copy(std::begin(other.serverWords), std::end(other.serverWords), serverWords);
   serverText = other.serverText;

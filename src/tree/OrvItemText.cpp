@@ -39,7 +39,7 @@ void TrimBlanks(const char*& text, int32_t& length) {
     // address so a stray length cannot make the arithmetic undefined.
     uintptr_t at =
         reinterpret_cast<uintptr_t>(text) + static_cast<uintptr_t>(static_cast<intptr_t>(length));
-    text = reinterpret_cast<const char*>(at);
+    text = reinterpret_cast<const char*>(at);  // NOLINT(performance-no-int-to-ptr): as said
     length = 0;
     return;
   }

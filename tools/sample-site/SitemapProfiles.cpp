@@ -38,12 +38,12 @@ int64_t NumberIn(const std::string& path, const std::string& prefix, int64_t cou
 
 class SitemapSite : public SiteProfile {
  public:
-  SitemapSite(uint64_t seed, SitemapKind kind, int64_t posts, int64_t perPage)
-      : seed(seed),
-        kind(kind),
-        posts(posts),
-        perPage(perPage),
-        archives((posts + perPage - 1) / perPage) {}
+  SitemapSite(uint64_t siteSeed, SitemapKind siteKind, int64_t postCount, int64_t postsPerPage)
+      : seed(siteSeed),
+        kind(siteKind),
+        posts(postCount),
+        perPage(postsPerPage),
+        archives((postCount + postsPerPage - 1) / postsPerPage) {}
 
   SitePage Serve(const SiteRequest& request) const override {
     const std::string& path = request.path;
