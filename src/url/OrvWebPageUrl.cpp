@@ -79,7 +79,7 @@ void OrvWebPageUrl::AssignParams(OrvUrlParam*& to, int32_t& toCount, int32_t& to
     toCount = fromCount;
     return;
   }
-  if (fromCount < 0) fromCount = 0;
+  if (fromCount < 0 || !from) fromCount = 0;
   if (toCapacity < fromCount) {
     OrvDeleteArray(to);
     toCapacity = OrvGrowCapacity(int64_t(fromCount) + 1);
