@@ -61,7 +61,7 @@ class OrvBucketTable {
   // Clear.
   int Flatten() {
     if (flat || count == 0) return 0;
-    flat = static_cast<Entry**>(OrvAllocBytes(sizeof(flat[0]) * count));
+    flat = static_cast<Entry**>(OrvAllocBytes(sizeof(Entry*) * count));
     flatCount = 0;
     for (uint32_t i = 0; i < bucketCount; i++)
       for (uint32_t j = 0; j < buckets[i].used; j++) flat[flatCount++] = &buckets[i].entries[j];
@@ -230,8 +230,7 @@ class OrvBucketTable {
     }
     if (retiredCount == retiredCapacity) {
       retiredCapacity = retiredCapacity ? retiredCapacity * 2 : 8;
-      retired =
-          static_cast<Entry**>(OrvReallocBytes(retired, sizeof(retired[0]) * retiredCapacity));
+      retired = static_cast<Entry**>(OrvReallocBytes(retired, sizeof(Entry*) * retiredCapacity));
     }
     retired[retiredCount++] = entries;
   }

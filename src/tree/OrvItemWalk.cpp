@@ -28,8 +28,8 @@ class ResumeStack {
 
   void Grow() {
     size_t more = capacity * 2;
-    var_item** bigger = static_cast<var_item**>(OrvAllocBytes(more * sizeof(items[0])));
-    std::memcpy(bigger, items, size * sizeof(items[0]));
+    var_item** bigger = static_cast<var_item**>(OrvAllocBytes(more * sizeof(var_item*)));
+    std::memcpy(bigger, items, size * sizeof(var_item*));
     if (items != inlineItems) OrvFreeBytes(items);
     items = bigger;
     capacity = more;
