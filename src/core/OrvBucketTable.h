@@ -61,6 +61,7 @@ class OrvBucketTable {
   // Clear.
   int Flatten() {
     if (flat || count == 0) return 0;
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): sizes an array of pointers
     flat = static_cast<Entry**>(OrvAllocBytes(sizeof(Entry*) * count));
     flatCount = 0;
     for (uint32_t i = 0; i < bucketCount; i++)
@@ -230,6 +231,7 @@ class OrvBucketTable {
     }
     if (retiredCount == retiredCapacity) {
       retiredCapacity = retiredCapacity ? retiredCapacity * 2 : 8;
+      // NOLINTNEXTLINE(bugprone-sizeof-expression): as in Flatten
       retired = static_cast<Entry**>(OrvReallocBytes(retired, sizeof(Entry*) * retiredCapacity));
     }
     retired[retiredCount++] = entries;

@@ -48,6 +48,7 @@ void OrvVisibleNodeClassifier::Grow(OrvNodeList* list) {
   if (k >= 30) OrvOutOfMemory();
   int32_t grown = int32_t(1) << (k + 1);
   OrvNodeRecord** items = TakeSlots(grown);
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): sizes an array of pointers
   std::memcpy(items, list->items, sizeof(OrvNodeRecord*) * size_t(list->count));
   OrvNodeRecord**& free = freeSlots[k];
   list->items[0] = reinterpret_cast<OrvNodeRecord*>(free);
