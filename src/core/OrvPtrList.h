@@ -10,6 +10,8 @@
 // list. It starts at 32 slots and grows by a quarter plus 32, so capacities
 // run 32, 72, 122, 184, 262. Readers use items and count directly; code that
 // reuses a list sets count to 0 itself and keeps items.
+// T is often a pointer to a record; sizeof(T) then sizes an array of pointers.
+// NOLINTBEGIN(bugprone-sizeof-expression)
 template <class T>
 struct OrvList {
   static_assert(std::is_trivially_copyable_v<T>, "OrvList holds plain values");
@@ -54,6 +56,7 @@ struct OrvList {
     if (count > 0) std::memcpy(items, other.items, size_t(count) * sizeof(T));
   }
 };
+// NOLINTEND(bugprone-sizeof-expression)
 
 using OrvPtrList = OrvList<void*>;
 using OrvByteList = OrvList<uint8_t>;
