@@ -24,8 +24,8 @@ struct AddedLink {
 
 class PyLinkClasses {
  public:
-  explicit PyLinkClasses(const py::object& entry) : entry(entry) {
-    if (!entry.is_none()) urls.SetEntryUrl(ToOrv(ViewTextOrThrow(entry, "entry")));
+  explicit PyLinkClasses(const py::object& entryUrl) : entry(entryUrl) {
+    if (!entryUrl.is_none()) urls.SetEntryUrl(ToOrv(ViewTextOrThrow(entryUrl, "entry")));
   }
   ~PyLinkClasses() { Clear(); }
   PyLinkClasses(const PyLinkClasses&) = delete;

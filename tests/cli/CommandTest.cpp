@@ -127,7 +127,7 @@ TEST_P(Command, GivesTheRowsStatusAndOutput) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, Command, testing::ValuesIn(Rows()),
-                         [](const testing::TestParamInfo<Row>& info) { return info.param.name; });
+                         [](const testing::TestParamInfo<Row>& row) { return row.param.name; });
 
 // Progress is for a person at a terminal (a pipe gets none, as the table
 // shows): one line redrawn in place, never as wide as the terminal, naming

@@ -281,11 +281,11 @@ TEST_F(Http, UserAgentAndEncodings) {
 TEST_F(Http, CountersAndProgressFollowEveryRequest) {
   std::vector<std::string> ends, expected;  // requests, bytes and URL as each request ends
   OrvHttpLimits::SetProgress(
-      [](const OrvHttpProgress& p, void* ends) {
+      [](const OrvHttpProgress& p, void* out) {
         // Reading the counters from inside the callback must not deadlock.
         EXPECT_EQ(OrvHttpLimits::GetRequests(), p.requests);
         if (p.finished)
-          static_cast<std::vector<std::string>*>(ends)->push_back(
+          static_cast<std::vector<std::string>*>(out)->push_back(
               std::to_string(p.requests) + " " + std::to_string(p.bytes) + " " + p.url);
       },
       &ends);

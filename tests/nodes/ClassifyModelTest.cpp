@@ -22,7 +22,7 @@ class LiteralModel {
  public:
   using List = std::vector<var_item*>;
 
-  explicit LiteralModel(OrvNodeTest test) : test(test) {}
+  explicit LiteralModel(OrvNodeTest nodeTest) : test(nodeTest) {}
 
   Lists Classify(var_item* root) {
     minDepth = 65535;

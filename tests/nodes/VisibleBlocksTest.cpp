@@ -79,15 +79,15 @@ TEST(VisibleBlocks, RealPagesKeepTheClassesAndPathsLeadToTheTexts) {
     std::vector<std::string> paths = Paths(blocks);
     for (size_t c = 0; c < items.size(); c++) {
       ASSERT_EQ(blocks.GetTextCount(int(c)), int(items[c].size()));
-      bool page = c + 1 == items.size();
-      EXPECT_EQ(paths[c].empty(), page);
-      blockCount += !page;
+      bool isPage = c + 1 == items.size();
+      EXPECT_EQ(paths[c].empty(), isPage);
+      blockCount += !isPage;
       for (size_t i = 0; i < items[c].size(); i++) {
         const char* text = nullptr;
         int32_t length = -1;
         ASSERT_EQ(blocks.GetText(int(c), int(i), text, length), 1);
         EXPECT_EQ(text, items[c][i]->text);
-        if (page) continue;
+        if (isPage) continue;
         OrvItemPath(items[c][i]->parent, parentPath);
         EXPECT_TRUE(StartsWithSteps(std::string(parentPath.buf, size_t(parentPath.len)), paths[c]))
             << paths[c];

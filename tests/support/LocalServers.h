@@ -87,7 +87,7 @@ class RawSocketServer {
  public:
   using Answer = std::function<void(int fd, const std::atomic<bool>& stopping)>;
 
-  explicit RawSocketServer(Answer answer) : answer(std::move(answer)) {}
+  explicit RawSocketServer(Answer respond) : answer(std::move(respond)) {}
   // The same bytes for every connection.
   explicit RawSocketServer(std::string reply)
       : answer([reply](int fd, const std::atomic<bool>&) { SendText(fd, reply); }) {}

@@ -44,7 +44,7 @@ std::string ShortByteCount(int64_t bytes) {
   return text;
 }
 
-ProgressLine::ProgressLine(int fd) : fd(fd) {}
+ProgressLine::ProgressLine(int out) : fd(out) {}
 
 ProgressLine::~ProgressLine() { Clear(); }
 

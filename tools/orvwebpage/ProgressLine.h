@@ -9,7 +9,7 @@
 // not slowed down by its own display.
 class ProgressLine {
  public:
-  explicit ProgressLine(int fd);
+  explicit ProgressLine(int out);
   ~ProgressLine();
 
   void Show(long requests, int64_t bytes, const std::string& url, const std::string& phase = "");

@@ -60,7 +60,7 @@ std::string Relative(const std::string& from, const std::string& to) {
 
 class Blog : public SiteProfile {
  public:
-  Blog(uint64_t seed, Design design) : seed(seed), d(std::move(design)) {
+  Blog(uint64_t siteSeed, Design design) : seed(siteSeed), d(std::move(design)) {
     for (int id = 1; id <= d.posts; ++id) spots[d.post(id)] = {Spot::Post, 0, 1, id};
     for (int a = 0; a <= d.categories + d.tags; ++a)
       for (int n = 1; n <= Pages(a); ++n) spots[d.listing(a, n)] = {Spot::Listing, a, n, 0};
@@ -271,7 +271,7 @@ namespace {
 // others anywhere; no pager at all.
 class WikiSite : public SiteProfile {
  public:
-  explicit WikiSite(uint64_t seed) : seed(seed) {}
+  explicit WikiSite(uint64_t siteSeed) : seed(siteSeed) {}
   static constexpr int kSpaces = 12, kPerSpace = 35;
 
   SitePage Serve(const SiteRequest& request) const override {

@@ -40,7 +40,7 @@ SitePage ListingPage(const SiteListing& listing, int page, const std::string& ti
 // /list?page=N, and the listing itself; nothing else. True count: 1 + pages.
 class OneListing : public SiteProfile {
  public:
-  explicit OneListing(SiteListing listing) : listing(std::move(listing)) {}
+  explicit OneListing(SiteListing site) : listing(std::move(site)) {}
   SitePage Serve(const SiteRequest& request) const override {
     if (IsRoot(request)) {
       SitePage page = PlainPage("A site with one listing");
@@ -69,7 +69,7 @@ SiteListing NumberListing(int pages, SiteListing::PastEnd pastEnd) {
 // Pages past 13 show page 13. True count: 1 + 40 + 9 * 13 = 158.
 class Example : public SiteProfile {
  public:
-  explicit Example(uint64_t seed) : seed(seed) {}
+  explicit Example(uint64_t siteSeed) : seed(siteSeed) {}
   SitePage Serve(const SiteRequest& request) const override {
     if (IsRoot(request)) {
       SitePage page = PlainPage("Example site");
@@ -114,7 +114,7 @@ class Example : public SiteProfile {
 // True count: 1 + 12 + 240 = 253.
 class Offsets : public SiteProfile {
  public:
-  explicit Offsets(uint64_t seed) : seed(seed) {
+  explicit Offsets(uint64_t siteSeed) : seed(siteSeed) {
     listing.pageParam = "start";
     listing.first = 0;
     listing.step = 20;
@@ -173,7 +173,7 @@ class NoCrawl : public SiteProfile {
 // True count: "/", 3 items, hub, story, gone 2, secret = 8.
 class Shapes : public SiteProfile {
  public:
-  explicit Shapes(uint64_t seed) : seed(seed) {}
+  explicit Shapes(uint64_t siteSeed) : seed(siteSeed) {}
   SitePage Serve(const SiteRequest& request) const override {
     if (IsRoot(request)) {
       SitePage page = PlainPage("Shapes");

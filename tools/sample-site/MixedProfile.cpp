@@ -27,7 +27,7 @@ int64_t PagesFor(int64_t items, int64_t perPage) {
 
 class Mixed : public SiteProfile {
  public:
-  Mixed(uint64_t seed, int64_t target) : seed(seed) {
+  Mixed(uint64_t siteSeed, int64_t target) : seed(siteSeed) {
     target = std::clamp<int64_t>(target, 200, 5000000);
     stories = target * 45 / 100;
     posts = target * 25 / 100;

@@ -33,9 +33,10 @@ struct OrvHttpAdmission {
 // ORV_HTTP_BUDGET_SPENT when the budget or the deadline is spent or the delay
 // would end past the deadline, ORV_HTTP_STOPPED once the run is stopped.
 // url is NUL-terminated.
-[[nodiscard]] ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& run, const char* url, const OrvRequestTarget& target,
-                             int countFetch, OrvHttpOrigin* origin, OrvHttpAdmission& admission,
-                             const char*& reason);
+[[nodiscard]] ORV_HTTP_STATUS OrvHttpAdmit(OrvHttpRunState& run, const char* url,
+                                           const OrvRequestTarget& target, int countFetch,
+                                           OrvHttpOrigin* origin, OrvHttpAdmission& admission,
+                                           const char*& reason);
 
 // Body bytes have arrived for url.
 void OrvHttpNoteBytes(OrvHttpRunState& run, int64_t count, const char* url);

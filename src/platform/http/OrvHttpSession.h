@@ -43,4 +43,4 @@ struct OrvHttpSession {
 // failure session.failure (and, as the plan says, the run's last failure)
 // says why.
 [[nodiscard]] ORV_HTTP_STATUS OrvSessionFetch(OrvHttpSession& session, OrvHttpRunState& run,
-                                const OrvFetchPlan& plan);
+                                              const OrvFetchPlan& plan);

@@ -16,4 +16,5 @@ struct OrvRequestTarget {
 // Parses url (NUL-terminated) into handle. Gives ORV_HTTP_OK,
 // ORV_HTTP_BAD_REQUEST for text libcurl would not take as a URL, or
 // ORV_HTTP_NETWORK for a scheme other than http and https.
-[[nodiscard]] ORV_HTTP_STATUS OrvAimRequest(CURLU* handle, const char* url, OrvRequestTarget& target);
+[[nodiscard]] ORV_HTTP_STATUS OrvAimRequest(CURLU* handle, const char* url,
+                                            OrvRequestTarget& target);
