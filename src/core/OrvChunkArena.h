@@ -10,6 +10,8 @@
 // once by Rewind, which keeps the chunks for the next round: a million small
 // pieces then cost no header and no free each, and a round over a page like
 // the last one writes memory that is already mapped and lies in order.
+// T may be a pointer to a record: sizeof(T) is then the size meant.
+// NOLINTBEGIN(bugprone-sizeof-expression)
 template <class T>
 class OrvChunkArena {
   static_assert(std::is_trivially_copyable_v<T>, "the arena holds plain values");
@@ -93,3 +95,4 @@ class OrvChunkArena {
     return ValuesOf(c);
   }
 };
+// NOLINTEND(bugprone-sizeof-expression)

@@ -81,7 +81,10 @@ struct OrvAllocator {
   OrvAllocator() noexcept = default;
   template <class U>
   OrvAllocator(const OrvAllocator<U>&) noexcept {}
-  T* allocate(std::size_t n) { return static_cast<T*>(OrvAllocBytes(n * sizeof(T))); }
+  T* allocate(std::size_t n) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): T may be a pointer, and that is its size
+    return static_cast<T*>(OrvAllocBytes(n * sizeof(T)));
+  }
   void deallocate(T* p, std::size_t) noexcept { OrvFreeBytes(p); }
   template <class U>
   bool operator==(const OrvAllocator<U>&) const noexcept {

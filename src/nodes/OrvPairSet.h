@@ -81,8 +81,9 @@ class OrvPairSet {
     mask = grown - 1;
     used = 0;
     for (size_t i = 0; i < oldCapacity; i++)
-      if (old[i].a)
-        Add(reinterpret_cast<const void*>(old[i].a), reinterpret_cast<const void*>(old[i].b));
+      if (old[i].a)  // the addresses the slots keep as integers, given back as they came
+        Add(reinterpret_cast<const void*>(old[i].a),   // NOLINT(performance-no-int-to-ptr)
+            reinterpret_cast<const void*>(old[i].b));  // NOLINT(performance-no-int-to-ptr)
     OrvFreeBytes(old);
   }
 };
