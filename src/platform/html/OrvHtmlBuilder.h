@@ -11,6 +11,6 @@
 // cutRawBodies false leaves every script and style body to the parser, which
 // gives the same tree more slowly; parses, if given, becomes the number of
 // times the parser ran (2 when cut bodies were not met where they were cut).
-int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
-                     OrvDocArena& arena, var_item*& root, bool cutRawBodies = true,
-                     int* parses = nullptr);
+[[nodiscard]] int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset,
+                                   const char* contentType, OrvDocArena& arena, var_item*& root,
+                                   bool cutRawBodies = true, int* parses = nullptr);
