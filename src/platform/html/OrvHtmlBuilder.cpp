@@ -62,11 +62,11 @@ constexpr int kLost = -1;
 // where it was cut (the arena then holds a tree to throw away).
 [[nodiscard]] int ParsePage(const char* page, size_t size, const OrvPageCharset& decided,
                             bool keepBytes, const char* uncut, OrvRawBodies* bodies,
-                            OrvDocArena& arena, var_item*& root) {
+                            OrvTreeScope scope, OrvDocArena& arena, var_item*& root) {
   root = nullptr;
   htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(page, int(size));
   if (!ctxt) return 1;
-  OrvTreeBuilder builder(arena, keepBytes, uncut, bodies);
+  OrvTreeBuilder builder(arena, keepBytes, uncut, bodies, scope);
   builder.ctxt = ctxt;
   htmlCtxtUseOptions(
       ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET);
@@ -88,26 +88,28 @@ constexpr int kLost = -1;
 // Parses the page with its script and style bodies cut out when mayCut, and
 // again whole when a cut body was not met where it was cut.
 [[nodiscard]] int ParseCutOrWhole(const char* page, size_t size, const OrvPageCharset& decided,
-                                  bool keepBytes, bool mayCut, OrvDocArena& arena, var_item*& root,
-                                  int& parses) {
+                                  bool keepBytes, bool mayCut, OrvTreeScope scope,
+                                  OrvDocArena& arena, var_item*& root, int& parses) {
   OrvRawBodies bodies;
   size_t cutSize = 0;
   OrvOwned<char> cut = mayCut ? OrvCutRawBodies(page, size, bodies, cutSize) : nullptr;
   if (cut) {
-    int result = ParsePage(cut.get(), cutSize, decided, keepBytes, page, &bodies, arena, root);
+    int result =
+        ParsePage(cut.get(), cutSize, decided, keepBytes, page, &bodies, scope, arena, root);
     parses++;
     cut.reset();
     if (result != kLost) return result;
     arena.Reset();
   }
   parses++;
-  return ParsePage(page, size, decided, keepBytes, nullptr, nullptr, arena, root);
+  return ParsePage(page, size, decided, keepBytes, nullptr, nullptr, scope, arena, root);
 }
 
 }  // namespace
 
 int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
-                     OrvDocArena& arena, var_item*& root, bool cutRawBodies, int* parses) {
+                     OrvDocArena& arena, var_item*& root, bool cutRawBodies, int* parses,
+                     OrvTreeScope scope) {
   root = nullptr;
   int parsed = 0;
   if (!parses) parses = &parsed;
@@ -121,5 +123,5 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
   if (page.size == 0) return 0;
   OrvQuietParser quiet;
   return ParseCutOrWhole(page.text, page.size, page.charset, charset == ORV_CHARSET_BYTES,
-                         cutRawBodies && page.plainUtf8, arena, root, *parses);
+                         cutRawBodies && page.plainUtf8, scope, arena, root, *parses);
 }

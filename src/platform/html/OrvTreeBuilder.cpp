@@ -37,13 +37,14 @@ void OnStructuredError(void* user, xmlErrorPtr error) { Of(user)->OnError(error)
 }  // namespace
 
 OrvTreeBuilder::OrvTreeBuilder(OrvDocArena& arena, bool keepBytes, const char* uncut,
-                               OrvRawBodies* bodies)
+                               OrvRawBodies* bodies, OrvTreeScope scope)
     : arena(arena),
       keepBytes(keepBytes),
       tags(OrvHtmlTagNumber),
       attrs(OrvHtmlAttrNumber),
       uncut(uncut),
       bodies(bodies),
+      scope(scope),
       kScript(OrvHtmlTagNumber("script")),
       kStyle(OrvHtmlTagNumber("style")) {}
 
@@ -62,10 +63,22 @@ htmlSAXHandler OrvTreeBuilder::Handler() {
   return sax;
 }
 
+bool OrvTreeBuilder::Keeps(const OrvCachedName& name) const {
+  if (scope == OrvTreeScope::kWhole || name.number == ORV_TAG_LINK) return true;
+  return CapsEqual(name.copy, name.length, "area", 4) ||
+         CapsEqual(name.copy, name.length, "base", 4);
+}
+
 void OrvTreeBuilder::StartElement(const char* name, const char** atts) {
   FlushText();
-  var_item* item = NewItem();
   const OrvCachedName& cached = tags.Get(name, arena);
+  bool raw = bodies && (cached.number == kScript || cached.number == kStyle);
+  if (!Keeps(cached)) {
+    dropped.back()++;
+    if (raw) TakeRawBody(cached.number == kStyle);
+    return;
+  }
+  var_item* item = NewItem();
   item->tag_id = cached.number;
   item->name = cached.copy;
   item->name_len = cached.length;
@@ -77,8 +90,7 @@ void OrvTreeBuilder::StartElement(const char* name, const char** atts) {
   }
   Append(item);
   PushLevel(item);
-  if (bodies && (cached.number == kScript || cached.number == kStyle))
-    TakeRawBody(cached.number == kStyle);
+  if (raw) TakeRawBody(cached.number == kStyle);
 }
 
 // The parser has just read a script or style start tag up to its '>'.
@@ -103,15 +115,21 @@ void OrvTreeBuilder::TakeRawBody(bool style) {
 
 void OrvTreeBuilder::EndElement() {
   FlushText();
+  if (dropped.back() > 0) {
+    dropped.back()--;
+    return;
+  }
   if (lastChild.empty()) return;
+  if (current->tag_id == ORV_TAG_LINK) openLinks--;
   lastChild.pop_back();
+  if (scope == OrvTreeScope::kLinks) dropped.pop_back();
   current = current->parent;
 }
 
 // The run is written where its item's text will lie: at the arena's
 // cursor, which nothing else moves until FlushText.
 void OrvTreeBuilder::Characters(const char* chars, size_t count) {
-  if (count == 0) return;
+  if (count == 0 || (scope == OrvTreeScope::kLinks && openLinks == 0)) return;
   char* run = arena.TextRoom(runLength, count);
   if (keepBytes) {
     runLength +=
@@ -198,5 +216,7 @@ void OrvTreeBuilder::Append(var_item* item) {
 
 void OrvTreeBuilder::PushLevel(var_item* item) {
   lastChild.push_back(nullptr);
+  if (scope == OrvTreeScope::kLinks) dropped.push_back(0);
+  if (item->tag_id == ORV_TAG_LINK) openLinks++;
   current = item;
 }
