@@ -13,6 +13,8 @@ const uint16_t kHighControls[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x20
                                     0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
                                     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
+constexpr char kReplacement[3] = {'\xEF', '\xBF', '\xBD'};  // U+FFFD
+
 }  // namespace
 
 size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t n) {
@@ -26,7 +28,7 @@ size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t n) {
       o += length;
       i += length;
     } else {
-      std::memcpy(out + o, "\xEF\xBF\xBD", 3);
+      std::memcpy(out + o, kReplacement, sizeof kReplacement);
       o += 3;
       i += bad;
     }

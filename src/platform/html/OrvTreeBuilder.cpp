@@ -36,15 +36,15 @@ void OnStructuredError(void* user, xmlErrorPtr error) { Of(user)->OnError(error)
 
 }  // namespace
 
-OrvTreeBuilder::OrvTreeBuilder(OrvDocArena& arena, bool keepBytes, const char* uncut,
-                               OrvRawBodies* bodies, OrvTreeScope scope)
-    : arena(arena),
-      keepBytes(keepBytes),
+OrvTreeBuilder::OrvTreeBuilder(OrvDocArena& into, bool latin1Bytes, const char* page,
+                               OrvRawBodies* cutBodies, OrvTreeScope what)
+    : arena(into),
+      keepBytes(latin1Bytes),
       tags(OrvHtmlTagNumber),
       attrs(OrvHtmlAttrNumber),
-      uncut(uncut),
-      bodies(bodies),
-      scope(scope),
+      uncut(page),
+      bodies(cutBodies),
+      scope(what),
       kScript(OrvHtmlTagNumber("script")),
       kStyle(OrvHtmlTagNumber("style")) {}
 
