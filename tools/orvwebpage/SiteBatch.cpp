@@ -91,10 +91,10 @@ std::string ErrorText(const std::string& url, const std::string& error, bool jso
 
 }  // namespace
 
-StopOnInterrupt::StopOnInterrupt(std::function<void()> stop) : stop(std::move(stop)) {
+StopOnInterrupt::StopOnInterrupt(std::function<void()> onInterrupt) : stop(std::move(onInterrupt)) {
   std::lock_guard<std::mutex> hold(activeLock);
-  if (stopping) this->stop();
-  active.push_back(&this->stop);
+  if (stopping) stop();
+  active.push_back(&stop);
 }
 
 StopOnInterrupt::~StopOnInterrupt() {
