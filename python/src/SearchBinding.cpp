@@ -11,7 +11,7 @@ namespace {
 
 class PyUrlSearch {
  public:
-  explicit PyUrlSearch(const py::object& entry) { SetEntry(entry); }
+  explicit PyUrlSearch(const py::object& entryUrl) { SetEntry(entryUrl); }
 
   void SetEntry(const py::object& value) {
     // An empty entry has no domain, the same as none.
