@@ -64,7 +64,10 @@ bool IsNewShape(Crawl& crawl, OrvPageRecord* record) {
 bool FetchAndOpen(Crawl& crawl, const OrvPageRecord& record) {
   if (crawl.client.Run(record.url.buf, record.url.len, ORV_HTTP_METHOD(0)) != 0) return false;
   crawl.client.GetBody(crawl.body);
-  return crawl.document.Open(crawl.body.buf, crawl.body.len, ORV_CHARSET(0)) == 0;
+  int opened = crawl.document.Open(crawl.body.buf, crawl.body.len, ORV_CHARSET(0));
+  // The tree holds copies of the texts it needs.
+  crawl.body = OrvString();
+  return opened == 0;
 }
 
 // Harvests and analyses the open page, settles what its record is, and
@@ -74,6 +77,10 @@ void ReadPage(OrvWebPageCountEstimateImpl& estimator, Crawl& crawl, OrvPageRecor
   walk.go = 1;
   walk.harvest = &estimator;
   walk.HarvestPage(crawl.document.root, 1);
+  // The runs are the last to read the tree; it goes before the analysis
+  // holds the page's URLs and the queue grows.
+  estimator.DetectRuns();
+  crawl.document.Close();
   estimator.AnalysePage();
   record->sightings = 1;
   record->estimate = estimator.pageEstimate;

@@ -12,13 +12,18 @@ constexpr double kLongTextMean = 70.0;
 
 void OrvWebPageCountEstimateImpl::AnalysePage() {
   pageListing = -1;
-  DetectRuns();
-  PruneTextDepths();
-  CollectPageUrls();
   OrvPageTemplate pageTemplate;
   for (uint32_t e = 0; e < runs.map.count; e++) {
     if (BuildPageTemplate(pageTemplate, **runs.map.GetAt(e)) >= 0) break;
   }
+  // The template is a copy, and pageUrls copies the texts of the links: what
+  // the walk gathered goes before the last-page search and the queue grow.
+  numbers.Reset();
+  runs.Reset();
+  PruneTextDepths();
+  CollectPageUrls();
+  OrvReleaseIfUsed(listedUrls);
+  links.Reset();
   if (pageTemplate.paramIndex < 0) {
     pageEstimate = 1;
     return;

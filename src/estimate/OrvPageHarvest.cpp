@@ -1,5 +1,7 @@
 #include "estimate/OrvPageHarvest.h"
 
+#include <cstring>
+
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 
 OrvPageHarvest::OrvPageHarvest() {
@@ -42,22 +44,51 @@ void MakeListedKey(OrvString& out, const OrvString& key, const char* url, int32_
 
 }  // namespace
 
-bool OrvPageHarvest::AddLink(OrvLinkRecord* record) {
-  const char* url = record->url.buf;
+bool OrvPageHarvest::AddLink(const OrvLinkRecord& link) {
+  const char* url = link.url.buf;
   int32_t upToNul = url ? int32_t(Orvstrlen(url)) : 0;
-  MakeListedKey(listedKey, scratchKey, url, upToNul);
-  if (listedUrls.Find(listedKey.buf, listedKey.len)) return false;
-  links.Add(scratchKey, record);
-  if (upToNul != record->url.len) MakeListedKey(listedKey, scratchKey, url, record->url.len);
-  listedUrls.Insert(listedKey.buf, listedKey.len);
+  const char* key = scratchKey.buf ? scratchKey.buf : "";
+  int32_t keyLen = scratchKey.buf ? scratchKey.len : 0;
+  OrvPtrList** slot = links.map.Find(key, keyLen);
+  int32_t listed = slot ? (*slot)->count : 0;
+  // A link is refused when its text up to its first NUL equals the whole
+  // text of one listed under the key. Short lists are searched; from
+  // kSearchedLinks on, the texts of a key go into listedUrls.
+  if (listed < kSearchedLinks) {
+    for (int32_t i = 0; i < listed; i++) {
+      const OrvString& text = links.At(*slot, i)->url;
+      if (text.len == upToNul && (upToNul == 0 || std::memcmp(text.buf, url, size_t(upToNul)) == 0))
+        return false;
+    }
+  } else {
+    MakeListedKey(listedKey, scratchKey, url, upToNul);
+    if (listedUrls.Find(listedKey.buf, listedKey.len)) return false;
+  }
+  OrvLinkRecord* record = links.records.Alloc();
+  record->url.CopyBuf(url, link.url.len);
+  record->item = link.item;
+  record->depth = link.depth;
+  links.Add(key, keyLen, record);
+  if (listed + 1 < kSearchedLinks) return true;
+  OrvPtrList* list = *links.map.Find(key, keyLen);
+  for (int32_t i = listed + 1 == kSearchedLinks ? 0 : list->count - 1; i < list->count; i++) {
+    const OrvString& text = links.At(list, i)->url;
+    MakeListedKey(listedKey, scratchKey, text.buf, text.len);
+    listedUrls.Insert(listedKey.buf, listedKey.len);
+  }
   return true;
 }
 
 void OrvPageHarvest::ResetLinks() {
-  OrvClearIfUsed(listedUrls);
+  OrvReleaseIfUsed(listedUrls);
   links.Reset();
   numbers.Reset();
   runs.Reset();
+}
+
+void OrvCopyTarget(OrvWebPageUrl& url, const var_attr* target) {
+  const char* value = target->value;
+  url.url.CopyBuf(value, value ? MeasuredLen(value, target->value_len) : 0);
 }
 
 bool OrvIsNumberText(const char* text, long length) {

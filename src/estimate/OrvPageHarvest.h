@@ -13,7 +13,10 @@ struct OrvLinkRecord : OrvWebPageUrl {
   int32_t depth = 0;
 };
 
-// A link whose text is a number: one entry of a pager, perhaps.
+// A link whose text is a number: one entry of a pager, perhaps. The walk
+// keeps only the link element; DetectRuns reads, parses and completes the
+// targets of the runs it finds, the only ones whose parts are read, while the
+// tree is still open.
 struct OrvNumberLink {
   int32_t number = 0;
   var_item* textNode = nullptr;
@@ -37,18 +40,22 @@ struct OrvPageHarvest {
   OrvKeyedList<OrvNumberLink> runs;
   OrvString scratchKey;
   OrvStrArray extensions;  // extensions a crawlable link may have
-  // The URL texts listed in links, per parameter-name key: a set beside the
-  // lists, so refusing a repeated link does not scan its list.
+  // The URL texts listed in links under keys of at least kSearchedLinks
+  // links: a set beside the long lists, so refusing a repeated link does not
+  // scan its list, while a key of a few links costs no entry.
+  static constexpr int32_t kSearchedLinks = 8;
   OrvStrMap<uint8_t> listedUrls;
   OrvString listedKey;
+  // Every link target is parsed here; a listed link keeps only its text.
+  OrvLinkRecord parsedLink;
 
   OrvPageHarvest();
 
   // Parses text as the entry URL (parameters sorted) and takes its domain.
   void SetEntry(const OrvString& text);
-  // Lists the link under scratchKey unless a link of the same text (up to its
-  // first NUL) is listed there already.
-  bool AddLink(OrvLinkRecord* record);
+  // Lists a record of the link's text, item and depth under scratchKey unless
+  // a link of the same text (up to its first NUL) is listed there already.
+  bool AddLink(const OrvLinkRecord& link);
   // Takes scheme and host from the entry URL where the link has none.
   void CompleteUrl(OrvWebPageUrl& url);
   // Fills runs from numbers: per depth of text, the rising triple nearest the
@@ -70,6 +77,8 @@ struct OrvHarvestWalk {
   void HarvestLinks(var_item* item, long depth);
 };
 
+// Copies a link target attribute into the URL text; a null value is empty.
+void OrvCopyTarget(OrvWebPageUrl& url, const var_attr* target);
 // Every byte is one of "0123456789 ,"; a length below 1 says yes.
 bool OrvIsNumberText(const char* text, long length);
 // The extension equals one entry of the list, letters folded.

@@ -32,6 +32,14 @@ void OrvPageHarvest::DetectRuns() {
       OrvNumberLink* c = numbers.At(list, i);
       if (!IsRisingRun(*a, *b, *c)) continue;
       OrvFormatDepth(scratchKey, a->link.depth);
+      // Each number link lies in one list and joins at most one run, so none
+      // is parsed twice.
+      for (OrvNumberLink* n : {a, b, c}) {
+        if (var_attr* target = FindLinkAttr(n->link.item ? n->link.item->attr_list : nullptr))
+          OrvCopyTarget(n->link, target);
+        n->link.Parse(1);
+        CompleteUrl(n->link);
+      }
       runs.Add(scratchKey, a, DifferentPointer);
       runs.Add(scratchKey, b, DifferentPointer);
       runs.Add(scratchKey, c, DifferentPointer);
