@@ -131,6 +131,7 @@ long OrvWebPageCountEstimateImpl::EstimateCount(const char* url, long length) {
   phase.store(ORV_ESTIMATE_CRAWLING, std::memory_order_relaxed);
 
   SetEntryUrl(entry);
+  allNumbers = 0;
   OrvPageRecord* first = crawl.records.New();
   first->url = entryUrl.url;
   OrvWebPageUrl::GetParamNames(first->key, entryUrl);

@@ -41,14 +41,17 @@ bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth, const var_item
   if (!link.item) return false;
   var_attr* target = FindLinkAttr(link.item->attr_list);
   if (!target) return false;
-  OrvNumberLink* record = h.numbers.records.Alloc();
+  OrvNumberLink* record = h.allNumbers ? h.numbers.records.Alloc() : h.NewNumber();
   record->number = int32_t(OrvAtoInt(item->text, item->text_len));
   record->textNode = item;
   record->textDepth = depth;
   record->link.item = link.item;
   record->link.depth = link.depth;
   OrvFormatDepth(h.scratchKey, depth);
-  h.numbers.Add(h.scratchKey, record);
+  if (h.allNumbers)
+    h.numbers.Add(h.scratchKey, record);
+  else
+    h.AddNumber(h.scratchKey, record);
   return true;
 }
 

@@ -18,8 +18,7 @@ void OrvWebPageCountEstimateImpl::AnalysePage() {
   }
   // The template is a copy, and pageUrls copies the texts of the links: what
   // the walk gathered goes before the last-page search and the queue grow.
-  numbers.Reset();
-  runs.Reset();
+  ResetNumbers();
   PruneTextDepths();
   CollectPageUrls();
   OrvReleaseIfUsed(listedUrls);

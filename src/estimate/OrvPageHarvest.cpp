@@ -82,6 +82,12 @@ bool OrvPageHarvest::AddLink(const OrvLinkRecord& link) {
 void OrvPageHarvest::ResetLinks() {
   OrvReleaseIfUsed(listedUrls);
   links.Reset();
+  ResetNumbers();
+}
+
+void OrvPageHarvest::ResetNumbers() {
+  OrvReleaseIfUsed(numberTails);
+  spareNumbers.count = 0;  // they lie in the pool's blocks
   numbers.Reset();
   runs.Reset();
 }

@@ -38,6 +38,15 @@ struct OrvPageHarvest {
   // Rising number runs by the depth of the link element; the lists point into
   // numbers, so the record pool here stays unused.
   OrvKeyedList<OrvNumberLink> runs;
+  // 1: numbers lists every number link. 0: per depth only what DetectRuns
+  // can take from it (see AddNumber), so a page of a million number links
+  // holds a few records; the crawl and the probes read nothing else.
+  uint8_t allNumbers = 1;
+  struct NumberTail {
+    OrvNumberLink* records[2];  // the last two of a depth, the latest last
+  };
+  OrvStrMap<NumberTail> numberTails;  // by depth, with allNumbers 0
+  OrvPtrList spareNumbers;            // records to give out again
   OrvString scratchKey;
   OrvStrArray extensions;  // extensions a crawlable link may have
   // The URL texts listed in links under keys of at least kSearchedLinks
@@ -58,11 +67,17 @@ struct OrvPageHarvest {
   bool AddLink(const OrvLinkRecord& link);
   // Takes scheme and host from the entry URL where the link has none.
   void CompleteUrl(OrvWebPageUrl& url);
+  // A fresh number record, or a spare one (whatever it held is overwritten).
+  OrvNumberLink* NewNumber();
+  // Lists the number record under key, as allNumbers says.
+  void AddNumber(const OrvString& key, OrvNumberLink* record);
   // Fills runs from numbers: per depth of text, the rising triple nearest the
   // end of the list.
   void DetectRuns();
   // Empties links, numbers and runs and frees their pools.
   void ResetLinks();
+  // Empties numbers and runs alone.
+  void ResetNumbers();
 };
 
 // The context of one walk over a page. The caller sets go to 1 first.
@@ -79,6 +94,8 @@ struct OrvHarvestWalk {
 
 // Copies a link target attribute into the URL text; a null value is empty.
 void OrvCopyTarget(OrvWebPageUrl& url, const var_attr* target);
+// Three number links that rise, on link elements of one depth and one class.
+bool OrvIsRisingRun(const OrvNumberLink& a, const OrvNumberLink& b, const OrvNumberLink& c);
 // Every byte is one of "0123456789 ,"; a length below 1 says yes.
 bool OrvIsNumberText(const char* text, long length);
 // The extension equals one entry of the list, letters folded.
