@@ -19,10 +19,10 @@ void OrvWebPageCountEstimateImpl::AnalysePage() {
   // The template is a copy, and pageUrls copies the texts of the links: what
   // the walk gathered goes before the last-page search and the queue grow.
   ResetNumbers();
+  ListHeldLinks();
   PruneTextDepths();
   CollectPageUrls();
-  OrvReleaseIfUsed(listedUrls);
-  links.Reset();
+  ResetLinks();
   if (pageTemplate.paramIndex < 0) {
     pageEstimate = 1;
     return;
@@ -59,6 +59,10 @@ void OrvWebPageCountEstimateImpl::PruneTextDepths() {
 // The distinct crawlable URLs of the page; a URL keeps the parameter-name key
 // of its first record.
 void OrvWebPageCountEstimateImpl::CollectPageUrls() {
+  if (!allLinks) {
+    CollectLinkTexts();
+    return;
+  }
   for (uint32_t e = 0; e < links.map.count; e++) {
     const char* key = nullptr;
     int32_t keyLen = 0;
@@ -68,6 +72,23 @@ void OrvWebPageCountEstimateImpl::CollectPageUrls() {
       int found = 0;
       OrvString** value =
           pageUrls.Insert(record->url.buf ? record->url.buf : "", record->url.len, &found);
+      if (found) continue;
+      OrvString* keyString = keyStrings.Alloc();
+      keyString->CopyBuf(key, keyLen);
+      *value = keyString;
+    }
+  }
+}
+
+void OrvWebPageCountEstimateImpl::CollectLinkTexts() {
+  for (uint32_t e = 0; e < linkTexts.chains.count; e++) {
+    const char* key = nullptr;
+    int32_t keyLen = 0;
+    const OrvLinkTexts::Chain* chain = linkTexts.chains.GetAt(e, &key, &keyLen);
+    for (int32_t i = chain->first; i >= 0; i = linkTexts.texts.items[i].next) {
+      const OrvLinkTexts::Text& t = linkTexts.texts.items[i];
+      int found = 0;
+      OrvString** value = pageUrls.Insert(linkTexts.At(t.offset), t.length, &found);
       if (found) continue;
       OrvString* keyString = keyStrings.Alloc();
       keyString->CopyBuf(key, keyLen);

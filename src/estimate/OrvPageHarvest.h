@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "estimate/OrvKeyedList.h"
+#include "estimate/OrvLinkTexts.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvWebPageUrl.h"
@@ -34,6 +35,11 @@ struct OrvPageHarvest {
   OrvString siteDomain;  // entry host behind its first dot
   OrvWebPageUrl entryUrl;
   OrvKeyedList<OrvLinkRecord> links;
+  // 1: links lists a record per listed link. 0: linkTexts holds their keys
+  // and texts, lists them once the tree is gone, and links stays empty; the
+  // crawl reads nothing else.
+  uint8_t allLinks = 1;
+  OrvLinkTexts linkTexts;
   OrvKeyedList<OrvNumberLink> numbers;
   // Rising number runs by the depth of the link element; the lists point into
   // numbers, so the record pool here stays unused.
@@ -49,7 +55,7 @@ struct OrvPageHarvest {
   OrvPtrList spareNumbers;            // records to give out again
   OrvString scratchKey;
   OrvStrArray extensions;  // extensions a crawlable link may have
-  // The URL texts listed in links under keys of at least kSearchedLinks
+  // The URL texts listed under keys of at least kSearchedLinks
   // links: a set beside the long lists, so refusing a repeated link does not
   // scan its list, while a key of a few links costs no entry.
   static constexpr int32_t kSearchedLinks = 8;
@@ -62,9 +68,16 @@ struct OrvPageHarvest {
 
   // Parses text as the entry URL (parameters sorted) and takes its domain.
   void SetEntry(const OrvString& text);
-  // Lists a record of the link's text, item and depth under scratchKey unless
-  // a link of the same text (up to its first NUL) is listed there already.
+  // With allLinks 1, lists the link under scratchKey as ListLink does; with
+  // 0, only holds its key and text for ListHeldLinks.
   bool AddLink(const OrvLinkRecord& link);
+  // Lists the held links in page order, once the tree is gone.
+  void ListHeldLinks();
+  // Lists a link under the key unless one of the same text (up to its first
+  // NUL) is listed there already: a record of the link's text, item and
+  // depth, or, without link, the held text at heldOffset.
+  bool ListLink(const char* key, int32_t keyLen, const char* url, int32_t urlLen,
+                const OrvLinkRecord* link, uint32_t heldOffset);
   // Takes scheme and host from the entry URL where the link has none.
   void CompleteUrl(OrvWebPageUrl& url);
   // A fresh number record, or a spare one (whatever it held is overwritten).

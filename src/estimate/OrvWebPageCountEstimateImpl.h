@@ -47,4 +47,5 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest, public OrvShared {
   // Steps of AnalysePage.
   void PruneTextDepths();
   void CollectPageUrls();
+  void CollectLinkTexts();  // CollectPageUrls with allLinks 0
 };
