@@ -5,10 +5,24 @@
 
 namespace {
 
-uint32_t Keep(OrvString& bytes, const char* text, int32_t length) {
-  uint32_t offset = uint32_t(bytes.len);
-  if (length > 0) bytes.Append(text, length);
-  return offset;
+void KeepLength(OrvString& bytes, int32_t length) {
+  uint32_t n = uint32_t(length);
+  char groups[5];
+  int32_t count = 0;
+  do {
+    groups[count++] = char((n & 127u) | (n > 127u ? 128u : 0u));
+    n >>= 7;
+  } while (n);
+  bytes.Append(groups, count);
+}
+
+uint32_t ReadLength(const char* bytes, uint32_t& offset) {
+  uint32_t n = 0;
+  for (int shift = 0;; shift += 7) {
+    uint8_t group = uint8_t(bytes[offset++]);
+    n |= uint32_t(group & 127u) << shift;
+    if (group < 128u) return n;
+  }
 }
 
 template <class T>
@@ -23,9 +37,23 @@ void FreeList(OrvList<T>& list) {
 void OrvLinkTexts::Hold(const char* key, int32_t keyLength, const char* text, int32_t textLength) {
   keyLength = keyLength > 0 ? keyLength : 0;
   textLength = textLength > 0 ? textLength : 0;
-  uint32_t keyOffset = Keep(bytes, key, keyLength);
-  uint32_t textOffset = Keep(bytes, text, textLength);
-  held.Add(Held{keyOffset, keyLength, textOffset, textLength});
+  KeepLength(bytes, keyLength);
+  bytes.Append(key, keyLength);
+  KeepLength(bytes, textLength);
+  bytes.Append(text, textLength);
+  heldEnd = bytes.len;
+}
+
+bool OrvLinkTexts::Next(uint32_t& offset, const char*& key, int32_t& keyLength,
+                        uint32_t& textOffset, int32_t& textLength) const {
+  if (offset >= uint32_t(heldEnd)) return false;
+  keyLength = int32_t(ReadLength(bytes.buf, offset));
+  key = bytes.buf + offset;
+  offset += uint32_t(keyLength);
+  textLength = int32_t(ReadLength(bytes.buf, offset));
+  textOffset = offset;
+  offset += uint32_t(textLength);
+  return true;
 }
 
 void OrvLinkTexts::Add(const char* key, int32_t keyLength, uint32_t offset, int32_t length) {
@@ -44,7 +72,7 @@ void OrvLinkTexts::Add(const char* key, int32_t keyLength, uint32_t offset, int3
 
 void OrvLinkTexts::Reset() {
   OrvClearIfUsed(chains);
-  FreeList(held);
   FreeList(texts);
   bytes = OrvString();
+  heldEnd = 0;
 }

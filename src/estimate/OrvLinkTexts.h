@@ -12,12 +12,6 @@
 // cleared the same way, as the map of the harvest's link lists, so its flat
 // order is that map's.
 struct OrvLinkTexts {
-  struct Held {
-    uint32_t keyOffset;  // into bytes
-    int32_t keyLength;
-    uint32_t textOffset;
-    int32_t textLength;
-  };
   struct Chain {
     int32_t first;  // into texts
     int32_t last;
@@ -29,16 +23,23 @@ struct OrvLinkTexts {
     int32_t next;  // into texts; -1 ends the chain
   };
 
-  OrvList<Held> held;  // in page order
   OrvStrMap<Chain> chains;
   OrvList<Text> texts;
+  // Each held link as the length of its key, the key, the length of its
+  // text, the text; a length in 7-bit groups, low first, the last group
+  // below 128. The chains point at the texts there.
   OrvString bytes;
+  int32_t heldEnd = 0;  // bytes of held links, in page order
 
   OrvLinkTexts() = default;
   OrvLinkTexts(const OrvLinkTexts&) = delete;
   OrvLinkTexts& operator=(const OrvLinkTexts&) = delete;
 
   void Hold(const char* key, int32_t keyLength, const char* text, int32_t textLength);
+  // Reads the held link at offset: its key and text, and the offset of the
+  // next. Gives false past the last.
+  bool Next(uint32_t& offset, const char*& key, int32_t& keyLength, uint32_t& textOffset,
+            int32_t& textLength) const;
   // Appends a text of bytes to the key's chain.
   void Add(const char* key, int32_t keyLength, uint32_t offset, int32_t length);
   // The chain of the key, or null.

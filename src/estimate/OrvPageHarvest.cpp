@@ -86,11 +86,11 @@ bool OrvPageHarvest::AddLink(const OrvLinkRecord& link) {
 }
 
 void OrvPageHarvest::ListHeldLinks() {
-  for (int32_t i = 0; i < linkTexts.held.count; i++) {
-    const OrvLinkTexts::Held& h = linkTexts.held.items[i];
-    ListLink(linkTexts.At(h.keyOffset), h.keyLength, linkTexts.At(h.textOffset), h.textLength,
-             nullptr, h.textOffset);
-  }
+  const char* key = nullptr;
+  int32_t keyLength = 0, textLength = 0;
+  uint32_t textOffset = 0;
+  for (uint32_t at = 0; linkTexts.Next(at, key, keyLength, textOffset, textLength);)
+    ListLink(key, keyLength, linkTexts.At(textOffset), textLength, nullptr, textOffset);
 }
 
 bool OrvPageHarvest::ListLink(const char* key, int32_t keyLen, const char* url, int32_t urlLen,
