@@ -194,9 +194,13 @@ TEST(LeanHarvest, ListsThePageUrlsOfTheWholeRecords) {
   // refused, keys of more links than are searched one by one; and pages in
   // turn, since the key map keeps its shape from page to page.
   std::mt19937 random(25);
-  const char* forms[] = {"/p?id=%d",    "/p?id=%d&x=1", "/q?a%d=1",
-                         "/r%d.html",   "/s.pdf?id=%d", "http://elsewhere.test/?id=%d",
-                         "p?id=%d#top", " /p?id=%d "};
+  // Texts and keys past 127 bytes take more than one byte to state their length.
+  const std::string longPath = "/" + std::string(150, 'l') + "?n%d=1";
+  const std::string longName = "/q?" + std::string(140, 'b') + "%d=1";
+  const char* forms[] = {"/p?id=%d",      "/p?id=%d&x=1", "/q?a%d=1",
+                         "/r%d.html",     "/s.pdf?id=%d", "http://elsewhere.test/?id=%d",
+                         "p?id=%d#top",   " /p?id=%d ",   longPath.c_str(),
+                         longName.c_str()};
   for (int run = 0; run < 60; run++) {
     std::vector<std::unique_ptr<ItemTree>> pages;
     std::vector<const ItemTree*> order;
@@ -205,8 +209,8 @@ TEST(LeanHarvest, ListsThePageUrlsOfTheWholeRecords) {
       std::string text = "body\n";
       int links = int(random() % (p == 0 ? 1200 : 40));
       for (int i = 0; i < links; i++) {
-        char href[96];
-        std::snprintf(href, sizeof href, forms[random() % 8], int(random() % (links / 4 + 2)));
+        char href[256];
+        std::snprintf(href, sizeof href, forms[random() % 10], int(random() % (links / 4 + 2)));
         text += "  a href=\"" + std::string(href) + "\"\n";
       }
       shown += text + "--\n";
