@@ -26,6 +26,8 @@
 #include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "RunLimits.h"
+#include "RunWatch.h"
 #include "ShownText.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
@@ -43,12 +45,13 @@ struct EstimateOptions {
   std::string from;               // a file of URLs, one a line; "-": stdin
   int jobs = 1;                   // sites estimated at once
   bool ignoreRobots = false;
-  int64_t maxRequests = 0;  // 0: no budget
-  double timeout = 0;       // seconds per request; 0: the HTTP layer's default
-  double deadline = 0;      // seconds for the whole run; 0: none
-  int32_t delay = 0;        // milliseconds between requests
-  std::string userAgent;    // empty: the library's own
-  std::string hosts;        // empty: requests may go anywhere
+  int64_t maxRequests = kDefaultMaxRequests;  // 0: no budget
+  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
+  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
+  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
+  int32_t delay = 0;                          // milliseconds between requests
+  std::string userAgent;                      // empty: the library's own
+  std::string hosts;                          // empty: requests may go anywhere
   bool json = false;
   bool explain = false;
 };
@@ -105,6 +108,7 @@ struct EstimateRun {
   int64_t bytes = 0;
   bool spent = false;
   bool interrupted = false;
+  std::string reason;  // why the run stopped short ("interrupted", "deadline", ...), or empty
   double seconds = 0;
   Explanation explanation;
   std::vector<std::string> robotsRefused;
@@ -115,6 +119,7 @@ OrvHttpSettings LimitsOf(const EstimateOptions& o) {
   settings.maxRequests = o.maxRequests;
   if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
+  settings.maxHeldBytes = o.maxMemory;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
   settings.obeyRobots = o.ignoreRobots ? 0 : 1;
@@ -224,7 +229,11 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
   OrvHttpLimits::Set(LimitsOf(o));  // starts the deadline's clock
   std::string url = o.url;
   EstimateRun run;
-  run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+  {
+    RunWatch watch(start, o.deadline, o.maxMemory, [&] { StopActive({&estimator, &httpRun}); });
+    run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+    run.reason = LimitReason(watch.Reason());
+  }
   run.exact = OrvExactEstimate(estimator);
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.requests = OrvHttpLimits::GetRequests();
@@ -232,6 +241,7 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
   run.bytes = OrvHttpLimits::GetBytes();
   run.spent = OrvHttpLimits::IsSpent() != 0;
   run.interrupted = interrupted != 0;
+  if (run.interrupted) run.reason = "interrupted";
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
@@ -256,9 +266,9 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
     if (run.exact != run.estimate) out["wrapped"] = true;
-    if (run.interrupted) {
+    if (!run.reason.empty()) {
       out["partial"] = true;
-      out["reason"] = "interrupted";
+      out["reason"] = run.reason;
     }
     if (!run.robotsRefused.empty()) out["robots_refused"] = run.robotsRefused;
     if (o.explain) AddExplanation(run.explanation, out);
@@ -269,7 +279,7 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
        << "estimate: " << run.estimate << " pages\n"
        << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
        << "seconds:  " << FormatSeconds(run.seconds) << "\n";
-  if (run.interrupted) text << "partial:  interrupted\n";
+  if (!run.reason.empty()) text << "partial:  " << run.reason << "\n";
   if (o.explain) {
     for (const std::string& url : run.robotsRefused)
       text << "robots.txt refused: " << ShownText(url) << "\n";
@@ -287,6 +297,8 @@ std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
   if (run.interrupted || run.estimate != 0 || run.fetches > 1) return "";
   if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty())
     return "its host is not among --hosts";
+  // A stop by the watch leaves "stopped" as the last failure.
+  if (!run.reason.empty()) return LimitFailure(run.reason);
   return LastFailure(run.spent ? "the deadline or the request budget ran out first"
                                : "no readable page came back");
 }
@@ -304,6 +316,9 @@ std::string EstimateSite(EstimateOptions o, const std::string& url, bool showPro
     std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
                  "summed in 64 bits it is " +
                      std::to_string(run.exact) + " pages\n";
+  if (error.empty() && !run.interrupted && !run.reason.empty())
+    std::cerr << PartialLine(o.url, run.reason, o.maxRequests, o.deadline, o.maxMemory)
+              << std::flush;
   if (error.empty()) return RunText(o, run);
   if (!o.json) return "url:      " + ShownText(url) + "\nerror:    " + ShownText(error) + "\n";
   nlohmann::ordered_json out;
@@ -392,11 +407,13 @@ Command AddEstimateCommand(CLI::App& parent) {
       ->transform(WholeNumber(1, 256, "N"));
   app->add_flag("--ignore-robots", o->ignoreRobots,
                 "do not read robots.txt, nor keep to what it refuses");
-  app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
-      ->transform(WholeNumber(1, INT64_MAX, "N"));
+  app->add_option("--max-requests", o->maxRequests,
+                  "stop making requests after N of them; 0: no budget (default 10000, far more "
+                  "than a site of a few thousand pages takes, an end to one that never ends)")
+      ->transform(WholeNumber(0, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
-  app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
+  AddRunLimitOptions(app, o->deadline, o->maxMemory);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
       ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);

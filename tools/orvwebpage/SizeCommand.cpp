@@ -20,8 +20,11 @@
 #include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "RunLimits.h"
+#include "RunWatch.h"
 #include "ShownText.h"
 #include "orvwebpage/OrvHttpLimits.h"
+#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvSiteSize.h"
 #include "orvwebpage/OrvString.h"
 
@@ -30,9 +33,10 @@ namespace {
 struct SizeOptions {
   std::string url;
   int64_t maxRequests = 60;
-  double timeout = 0;   // seconds per request; 0: the HTTP layer's default
-  double deadline = 0;  // seconds for the whole run; 0: none
-  int32_t delay = 0;    // milliseconds between requests
+  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
+  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
+  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
+  int32_t delay = 0;                          // milliseconds between requests
   std::string userAgent;
   std::string hosts;
   bool json = false;
@@ -143,11 +147,14 @@ void PrintExplanation(const nlohmann::ordered_json& e, std::ostream& out) {
 }
 
 int RunSize(const SizeOptions& o) {
+  OrvHttpRun httpRun;
+  httpRun.Bind();
   OrvSiteSize size;
   OrvHttpSettings settings = OrvHttpLimits::Get();
   settings.maxRequests = o.maxRequests;
   if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
+  settings.maxHeldBytes = o.maxMemory;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
   settings.obeyRobots = o.ignoreRobots ? 0 : 1;
@@ -164,9 +171,18 @@ int RunSize(const SizeOptions& o) {
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();
   OrvHttpLimits::Set(settings);
-  size.Measure(o.url.data(), long(o.url.size()), o.maxRequests);
+  std::string limit;
+  {
+    RunWatch watch(start, o.deadline, o.maxMemory, [&] {
+      size.Stop();
+      httpRun.Stop();
+    });
+    size.Measure(o.url.data(), long(o.url.size()), o.maxRequests);
+    limit = LimitReason(watch.Reason());
+  }
+  // The request budget is the plan of the measure, which spends it by design.
+  if (limit == "request budget") limit.clear();
   double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  bool deadlinePassed = OrvHttpLimits::IsSpent() && size.Requests() < o.maxRequests;
 
   std::signal(SIGINT, previous);
   interruptTarget = nullptr;
@@ -179,7 +195,7 @@ int RunSize(const SizeOptions& o) {
     OrvString failedUrl, failure;
     OrvHttpLimits::GetLastFailure(failedUrl, failure);
     std::string why = interrupted      ? "interrupted"
-                      : deadlinePassed ? "the deadline passed first"
+                      : !limit.empty() ? LimitFailure(limit)
                       : failure.len    ? Text(failure)
                                        : "no readable page came back";
     if (o.json) {
@@ -199,9 +215,9 @@ int RunSize(const SizeOptions& o) {
   out["source"] = OrvSiteSize::SourceName(size.Source());
   out["requests"] = size.Requests();
   out["seconds"] = seconds;
-  if (interrupted || deadlinePassed) {
+  if (interrupted || !limit.empty()) {
     out["partial"] = true;
-    out["reason"] = interrupted ? "interrupted" : "deadline";
+    out["reason"] = interrupted ? "interrupted" : limit;
   }
   if (size.ExactWrapped()) out["wrapped"] = true;
   OrvStrArray refused;
@@ -226,6 +242,8 @@ int RunSize(const SizeOptions& o) {
   nlohmann::ordered_json explanation;
   if (o.explain) explanation = Explanation(size);
 
+  if (!interrupted && !limit.empty())
+    std::cerr << PartialLine(o.url, limit, o.maxRequests, o.deadline, o.maxMemory) << std::flush;
   if (o.json) {
     if (o.explain)
       for (auto& [key, value] : explanation.items()) out[key] = value;
@@ -267,7 +285,7 @@ Command AddSizeCommand(CLI::App& parent) {
       ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
-  app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
+  AddRunLimitOptions(app, o->deadline, o->maxMemory);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
       ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
