@@ -5,9 +5,9 @@
 
 // Defaults that bound a run on an unknown site. The estimator fetches one
 // page per shape of URL plus the probes of each listing, so the sample site's
-// default profile (12,000 pages) takes a few hundred requests and under a
-// minute, and a real site of a few thousand pages at most a few thousand
-// requests, well inside an hour even at half a second each. A site that grows
+// default profile (about 12,000 pages) takes 17 requests, and even a site of a
+// few thousand pages that needed a request a page would stay well inside
+// both, at a third of a second a request. A site that grows
 // without end, or whose pages hold millions of links, stops at these instead
 // of running until the machine gives out.
 constexpr int64_t kDefaultMaxRequests = 10000;
