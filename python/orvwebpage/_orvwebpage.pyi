@@ -209,4 +209,5 @@ class SizeResult(Tuple[int, int, int, str]):
 def size(url: Text, max_requests: int = ..., timeout: Optional[float] = ...,
          deadline: Optional[float] = ..., delay: Optional[float] = ...,
          user_agent: Optional[str] = ..., stop: Optional[_StopEvent] = ...,
-         obey_robots: bool = ..., max_memory: Union[None, int, str] = ...) -> SizeResult: ...
+         obey_robots: bool = ..., hosts: Union[None, Text, Iterable[Text]] = ...,
+         max_memory: Union[None, int, str] = ...) -> SizeResult: ...

@@ -35,11 +35,12 @@ struct Sizing {
   std::string url;
   int64_t maxRequests = 60;
   OrvHttpSettings settings;
+  std::string hosts;   // empty: every host
   OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvSiteSize size;
   std::mutex lock;
   std::condition_variable finished;
-  bool started = false, done = false, stopRequested = false;
+  bool started = false, done = false, stopRequested = false, hostsRefused = false;
   double seconds = 0;
   std::string reason;  // the limit that cut the measure, or empty
   std::chrono::steady_clock::time_point start;
@@ -48,7 +49,8 @@ struct Sizing {
     httpRun.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
-      if (!stopRequested) {
+      hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
+      if (!stopRequested && !hostsRefused) {
         OrvHttpLimits::ResetCounters();
         start = std::chrono::steady_clock::now();
         OrvHttpLimits::Set(settings);
@@ -128,7 +130,7 @@ py::dict Explanation(const OrvSiteSize& size) {
 py::object Size(const py::object& url, int64_t maxRequests, std::optional<double> timeout,
                 std::optional<double> deadline, std::optional<double> delay,
                 const std::optional<std::string>& userAgent, const py::object& stop,
-                bool obeyRobots, const py::object& maxMemory) {
+                bool obeyRobots, const py::object& hosts, const py::object& maxMemory) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
@@ -138,6 +140,7 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   sizing->maxRequests = maxRequests;
   sizing->settings =
       MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots, maxMemory);
+  sizing->hosts = HostPatterns(hosts);
 
   std::thread worker([sizing] { sizing->Run(); });
   std::optional<py::error_already_set> failure;
@@ -166,6 +169,8 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
     worker.join();
   }
   if (failure) throw *failure;
+  if (sizing->hostsRefused)
+    throw py::value_error("hosts holds a malformed pattern: " + sizing->hosts);
 
   const OrvSiteSize& s = sizing->size;
   py::dict sitemap(py::arg("pages") = s.SitemapPages(), py::arg("low") = s.SitemapLow(),
@@ -212,7 +217,7 @@ void AddSize(py::module_& m) {
   m.def("size", &Size, py::arg("url"), py::arg("max_requests") = 60,
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(), py::arg("obey_robots") = true,
+        py::arg("stop") = py::none(), py::arg("obey_robots") = true, py::arg("hosts") = py::none(),
         py::arg("max_memory") = py::none(),
         R"(How many pages the site at url holds: its sitemaps, a crawl of its listings
 and the exact estimate, combined into one figure with its source and range.
@@ -220,8 +225,8 @@ and the exact estimate, combined into one figure with its source and range.
 Returns SizeResult(pages, low, high, source); source is "sitemap", "crawl",
 "exact", or "none" when nothing could be read. max_requests: the whole run's
 request budget (60), the plan of the measure rather than a limit; robots.txt
-is obeyed unless obey_robots is False; the other arguments as for estimate(),
-deadline and max_memory with its defaults. Runs without the
+is obeyed unless obey_robots is False; hosts and the other arguments as for
+estimate(), deadline and max_memory with its defaults. Runs without the
 GIL, on HTTP limits and counters of its own.)");
 }
 
