@@ -34,6 +34,11 @@ std::string LimitReason(const char* watchReason) {
   OrvString url, why;
   if (!OrvHttpLimits::GetLastFailure(url, why) || why.len <= 0) return "";
   std::string failure(why.buf, size_t(why.len));
+  // robots.txt that a limit kept from being read refuses the page: the
+  // limit is what cut the run.
+  const std::string robots = "refused by robots.txt (";
+  if (failure.rfind(robots, 0) == 0 && failure.back() == ')')
+    failure = failure.substr(robots.size(), failure.size() - robots.size() - 1);
   if (failure == "deadline passed") return "deadline";
   if (failure == "memory budget spent") return "memory budget";
   if (failure == "request budget spent") return "request budget";
