@@ -7,9 +7,9 @@
 struct OrvDocArena;
 
 // The part of a page that OrvPageLinks reads, for pages too large to hold
-// whole: its `a`, `area` and `base` elements with their attributes, and the
-// text runs inside an `a` element, each under its nearest such ancestor, in
-// document order. OrvPageLinks reads the same links from it as from the
+// whole: its `a`, `area` and `base` elements with their `href` and `alt`
+// attributes, and the text runs inside an `a` element, each under its nearest
+// such ancestor, in document order. OrvPageLinks reads the same links from it as from the
 // whole tree of OrvHtml, in a fraction of the memory on most pages.
 class ORV_API OrvLinkHtml {
  public:

@@ -69,6 +69,13 @@ bool OrvTreeBuilder::Keeps(const OrvCachedName& name) const {
          CapsEqual(name.copy, name.length, "base", 4);
 }
 
+// Links are read from href and, on an area, alt.
+bool OrvTreeBuilder::KeepsAttr(const char* name) const {
+  if (scope == OrvTreeScope::kWhole) return true;
+  size_t length = std::strlen(name);
+  return CapsEqual(name, int32_t(length), "href", 4) || CapsEqual(name, int32_t(length), "alt", 3);
+}
+
 void OrvTreeBuilder::StartElement(const char* name, const char** atts) {
   FlushText();
   const OrvCachedName& cached = tags.Get(name, arena);
@@ -84,6 +91,7 @@ void OrvTreeBuilder::StartElement(const char* name, const char** atts) {
   item->name_len = cached.length;
   var_attr** tail = &item->attr_list;
   for (size_t i = 0; atts && atts[i]; i += 2) {
+    if (!KeepsAttr(atts[i])) continue;
     var_attr* attr = NewAttr(atts[i], atts[i + 1]);
     *tail = attr;
     tail = &attr->next;

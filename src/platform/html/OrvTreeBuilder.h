@@ -15,8 +15,8 @@
 // What of the page the tree keeps.
 enum class OrvTreeScope {
   kWhole,
-  // What links are read from: a, area and base elements with their
-  // attributes, and the texts inside an a element, each under its nearest
+  // What links are read from: a, area and base elements with their href and
+  // alt attributes, and the texts inside an a element, each under its nearest
   // kept ancestor, in document order.
   kLinks,
 };
@@ -55,6 +55,7 @@ class OrvTreeBuilder {
   void Append(var_item* item);
   void PushLevel(var_item* item);
   bool Keeps(const OrvCachedName& name) const;
+  bool KeepsAttr(const char* name) const;
 
   OrvDocArena& arena;
   bool keepBytes;
