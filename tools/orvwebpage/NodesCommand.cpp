@@ -10,6 +10,7 @@
 #include "PageMemory.h"
 #include "PageSource.h"
 #include "ShownText.h"
+#include "orvwebpage/OrvBlockTextWalk.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
 
@@ -33,6 +34,17 @@ using TextClasses = std::vector<TextClass>;
 
 // Texts are copied out while the document is open; the classes only point
 // into it.
+class CopiedClasses : public OrvBlockTextSink {
+ public:
+  TextClasses classes;
+  void OnClass(const char* path, int32_t length) override {
+    classes.emplace_back().path.assign(path, size_t(length));
+  }
+  void OnText(const char* text, int32_t length) override {
+    classes.back().texts.emplace_back(text, size_t(length));
+  }
+};
+
 TextClasses ClassifyPage(std::string page, const std::string& contentType) {
   CheckPageMemory(page);
   OrvHtml doc;
@@ -41,20 +53,10 @@ TextClasses ClassifyPage(std::string page, const std::string& contentType) {
   std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
   OrvVisibleBlocks blocks;
   blocks.Read(doc.root);
-  TextClasses classes;
-  OrvString path;
-  for (int c = 0; c < blocks.GetClassCount(); c++) {
-    TextClass& out = classes.emplace_back();
-    blocks.GetPath(c, path);
-    out.path.assign(path.buf, size_t(path.len));
-    for (int i = 0; i < blocks.GetTextCount(c); i++) {
-      const char* text = nullptr;
-      int32_t length = 0;
-      if (blocks.GetText(c, i, text, length)) out.texts.emplace_back(text, size_t(length));
-    }
-  }
+  CopiedClasses copied;
+  OrvWalkBlockTexts(blocks, copied);
   doc.Close();
-  return classes;
+  return std::move(copied.classes);
 }
 
 // One line per text: whitespace runs become one blank, ends trimmed.
