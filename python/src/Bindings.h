@@ -23,6 +23,9 @@ OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::option
                                  std::optional<double> deadline, std::optional<double> delay,
                                  const std::optional<std::string>& userAgent, bool obeyRobots);
 
+// "a.test,*.b.test:8080" from a text or an iterable of texts; TypeError otherwise.
+std::string HostPatterns(const pybind11::object& hosts);
+
 // A tuple type with named fields (a struct sequence); the first `visible`
 // fields make the tuple, the others are attributes only.
 PyTypeObject* NewRecordType(pybind11::module_& m, const char* name, const char* doc,

@@ -67,6 +67,23 @@ OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::option
   return settings;
 }
 
+std::string HostPatterns(const py::object& hosts) {
+  if (hosts.is_none()) return "";
+  if (py::isinstance<py::str>(hosts) || py::isinstance<py::bytes>(hosts)) {
+    TextView view = ViewTextOrThrow(hosts, "hosts");
+    return std::string(view.data, size_t(view.size));
+  }
+  if (!py::isinstance<py::iterable>(hosts))
+    throw py::type_error("hosts must be a list of host patterns or one text");
+  std::string joined;
+  for (py::handle host : hosts) {
+    TextView view = ViewTextOrThrow(host, "a host pattern");
+    if (!joined.empty()) joined += ',';
+    joined.append(view.data, size_t(view.size));
+  }
+  return joined;
+}
+
 namespace {
 
 // What the worker and the waiting caller share; the worker may outlive
@@ -129,24 +146,6 @@ struct Crawl {
     return finished.wait_for(guard, kSlice, [this] { return done; });
   }
 };
-
-// "a.test,*.b.test:8080" from a text or an iterable of texts.
-std::string HostPatterns(const py::object& hosts) {
-  if (hosts.is_none()) return "";
-  if (py::isinstance<py::str>(hosts) || py::isinstance<py::bytes>(hosts)) {
-    TextView view = ViewTextOrThrow(hosts, "hosts");
-    return std::string(view.data, size_t(view.size));
-  }
-  if (!py::isinstance<py::iterable>(hosts))
-    throw py::type_error("hosts must be a list of host patterns or one text");
-  std::string joined;
-  for (py::handle host : hosts) {
-    TextView view = ViewTextOrThrow(host, "a host pattern");
-    if (!joined.empty()) joined += ',';
-    joined.append(view.data, size_t(view.size));
-  }
-  return joined;
-}
 
 PyObject* NoneRef() {
   Py_INCREF(Py_None);

@@ -33,18 +33,20 @@ struct Sizing {
   std::string url;
   int64_t maxRequests = 60;
   OrvHttpSettings settings;
+  std::string hosts;   // empty: every host
   OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvSiteSize size;
   std::mutex lock;
   std::condition_variable finished;
-  bool started = false, done = false, stopRequested = false;
+  bool started = false, done = false, stopRequested = false, hostsRefused = false;
   double seconds = 0;
 
   void Run() {
     httpRun.Bind();
     {
       std::lock_guard<std::mutex> guard(lock);
-      if (!stopRequested) {
+      hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
+      if (!stopRequested && !hostsRefused) {
         OrvHttpLimits::ResetCounters();
         OrvHttpLimits::Set(settings);
         started = true;
@@ -115,7 +117,7 @@ py::dict Explanation(const OrvSiteSize& size) {
 py::object Size(const py::object& url, int64_t maxRequests, std::optional<double> timeout,
                 std::optional<double> deadline, std::optional<double> delay,
                 const std::optional<std::string>& userAgent, const py::object& stop,
-                bool obeyRobots) {
+                bool obeyRobots, const py::object& hosts) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
@@ -124,6 +126,7 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   sizing->url.assign(view.data, size_t(view.size));
   sizing->maxRequests = maxRequests;
   sizing->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
+  sizing->hosts = HostPatterns(hosts);
 
   std::thread worker([sizing] { sizing->Run(); });
   std::optional<py::error_already_set> failure;
@@ -152,6 +155,8 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
     worker.join();
   }
   if (failure) throw *failure;
+  if (sizing->hostsRefused)
+    throw py::value_error("hosts holds a malformed pattern: " + sizing->hosts);
 
   const OrvSiteSize& s = sizing->size;
   py::dict sitemap(py::arg("pages") = s.SitemapPages(), py::arg("low") = s.SitemapLow(),
@@ -193,14 +198,14 @@ void AddSize(py::module_& m) {
   m.def("size", &Size, py::arg("url"), py::arg("max_requests") = 60,
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
-        py::arg("stop") = py::none(), py::arg("obey_robots") = true,
+        py::arg("stop") = py::none(), py::arg("obey_robots") = true, py::arg("hosts") = py::none(),
         R"(How many pages the site at url holds: its sitemaps, a crawl of its listings
 and the exact estimate, combined into one figure with its source and range.
 
 Returns SizeResult(pages, low, high, source); source is "sitemap", "crawl",
 "exact", or "none" when nothing could be read. max_requests: the whole run's
-request budget (60); robots.txt is obeyed unless obey_robots is False; the other
-arguments as for estimate(). Runs without the
+request budget (60); robots.txt is obeyed unless obey_robots is False; hosts
+and the other arguments as for estimate(). Runs without the
 GIL, on HTTP limits and counters of its own.)");
 }
 

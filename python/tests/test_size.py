@@ -36,3 +36,17 @@ def test_budget_and_stop(sample_site):
     assert result.stopped and result.requests < 20
     with pytest.raises(ValueError):
         orvwebpage.size(site.url, max_requests=0)
+
+
+# hosts confine the run as the tool's --hosts does; a malformed pattern is refused.
+def test_hosts(sample_site):
+    site = sample_site("--profile", "pathpager")
+    want = tool_size(site.url, "--hosts", "127.0.0.1")
+    assert tuple(orvwebpage.size(site.url, hosts=["127.0.0.1"])) == \
+        (want["pages"], want["low"], want["high"], want["source"])
+    elsewhere = orvwebpage.size(site.url, hosts="elsewhere.test")
+    assert (elsewhere.source, elsewhere.pages) == ("none", 0)
+    with pytest.raises(ValueError):
+        orvwebpage.size(site.url, hosts=["bad host!"])
+    with pytest.raises(TypeError):
+        orvwebpage.size(site.url, hosts=[5])

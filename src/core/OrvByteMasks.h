@@ -21,7 +21,7 @@ class OrvByteMasks {
     if (n < 0) n = 0;
     // In 64 bits: texts of nearly 2^31 bytes would wrap the word count.
     words = n > 0 ? int32_t((int64_t(n) + 63) / 64) : 1;
-    if (words > kLocalWords) heap = OrvOwnBytes<uint64_t>(size_t(words) * Kinds);
+    if (words > kLocalWords) heap = OrvAllocOwned<uint64_t[]>(size_t(words) * Kinds);
     bits = heap ? heap.get() : local;
     Fill(text, n, readable < n ? n : readable, wanted);
   }
@@ -56,7 +56,7 @@ class OrvByteMasks {
   static constexpr int32_t kLocalWords = 4;  // texts up to 256 bytes need no allocation
   int32_t words;
   uint64_t* bits;
-  OrvOwnedBytes<uint64_t> heap;  // empty while local holds the bits
+  OrvOwned<uint64_t[]> heap;  // empty while local holds the bits
   uint64_t local[kLocalWords * Kinds];
 
   // Bits below position k of a word, k in 1..64.

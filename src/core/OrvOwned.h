@@ -12,10 +12,34 @@
 // container or arena themselves, and in the facades of the public headers,
 // which see their private objects only as declared names.
 
+// Owner of a block from OrvAllocBytes: freed on every path out of the scope
+// that holds it. Unlike a vector, the bytes are not zeroed first, so a large
+// buffer sized for the worst case costs only the pages actually written.
+// OrvOwned<T[]> indexes its slots.
 struct OrvBytesFree {
   void operator()(void* p) const noexcept { OrvFreeBytes(p); }
 };
 
+template <class T>
+using OrvOwned = std::unique_ptr<T, OrvBytesFree>;
+
+// Room for count values of T (or of U for T = U[]), uninitialised.
+template <class T>
+OrvOwned<T> OrvAllocOwned(std::size_t count) {
+  using Slot = std::remove_extent_t<T>;
+  static_assert(std::is_trivially_copyable_v<Slot> && std::is_trivially_destructible_v<Slot>);
+  return OrvOwned<T>(static_cast<Slot*>(OrvAllocBytes(count * sizeof(Slot))));
+}
+
+// Room for count values, the first ones keeping their contents (as realloc).
+template <class T>
+void OrvReallocOwned(OrvOwned<T>& owned, std::size_t count) {
+  using Slot = std::remove_extent_t<T>;
+  static_assert(std::is_trivially_copyable_v<Slot> && std::is_trivially_destructible_v<Slot>);
+  owned.reset(static_cast<Slot*>(OrvReallocBytes(owned.release(), count * sizeof(Slot))));
+}
+
+// Owners for OrvNewArray and OrvNew.
 struct OrvArrayDelete {
   template <class T>
   void operator()(T* p) const noexcept {
@@ -30,37 +54,19 @@ struct OrvObjectDelete {
   }
 };
 
-// Uninitialised slots of plain data, for scratch whose every slot is written
-// before it is read: no value-initialisation pass as a vector would make.
-template <class T>
-using OrvOwnedBytes = std::unique_ptr<T[], OrvBytesFree>;
-
-template <class T>
-OrvOwnedBytes<T> OrvOwnBytes(std::size_t n) {
-  static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
-  return OrvOwnedBytes<T>(static_cast<T*>(OrvAllocBytes(sizeof(T) * n)));
-}
-
-// Room for n slots, the first ones keeping their contents (as realloc does).
-template <class T>
-void OrvRegrowBytes(OrvOwnedBytes<T>& owned, std::size_t n) {
-  static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
-  owned.reset(static_cast<T*>(OrvReallocBytes(owned.release(), sizeof(T) * n)));
-}
-
-// Value-initialised array of n constructed elements.
+// Value-initialised array of count constructed elements.
 template <class T>
 using OrvOwnedArray = std::unique_ptr<T[], OrvArrayDelete>;
 
 template <class T>
-OrvOwnedArray<T> OrvOwnArray(std::size_t n) {
-  return OrvOwnedArray<T>(OrvNewArray<T>(n));
+OrvOwnedArray<T> OrvNewOwnedArray(std::size_t count) {
+  return OrvOwnedArray<T>(OrvNewArray<T>(count));
 }
 
 template <class T>
-using OrvOwnedPtr = std::unique_ptr<T, OrvObjectDelete>;
+using OrvOwnedObject = std::unique_ptr<T, OrvObjectDelete>;
 
 template <class T, class... Args>
-OrvOwnedPtr<T> OrvOwnNew(Args&&... args) {
-  return OrvOwnedPtr<T>(OrvNew<T>(std::forward<Args>(args)...));
+OrvOwnedObject<T> OrvNewOwned(Args&&... args) {
+  return OrvOwnedObject<T>(OrvNew<T>(std::forward<Args>(args)...));
 }

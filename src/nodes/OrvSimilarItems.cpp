@@ -75,12 +75,12 @@ int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvNodeList& list) {
   while (capacity < uint32_t(n) * 2u) capacity *= 2u;
   if (capacity > likeCapacity) {
     likeSlots.reset();
-    likeSlots = OrvOwnBytes<LikeSlot>(capacity);
+    likeSlots = OrvAllocOwned<LikeSlot[]>(capacity);
     likeCapacity = capacity;
   }
   if (n > likeOfCapacity) {
     likeOf.reset();
-    likeOf = OrvOwnBytes<int32_t>(size_t(n));
+    likeOf = OrvAllocOwned<int32_t[]>(size_t(n));
     likeOfCapacity = n;
   }
   for (uint32_t s = 0; s < capacity; s++) likeSlots[s].first = -1;

@@ -229,7 +229,7 @@ void OrvSitemapState::PlanChildren(int32_t index, int32_t next) {
   }
 }
 
-OrvSitemapSize::OrvSitemapSize() : state(OrvOwnNew<OrvSitemapState>()) {}
+OrvSitemapSize::OrvSitemapSize() : state(OrvNewOwned<OrvSitemapState>()) {}
 OrvSitemapSize::~OrvSitemapSize() = default;  // where the state is a complete type
 
 void OrvSitemapSize::SetLimits(const OrvSitemapLimits& limits) { state->limits = limits; }

@@ -74,5 +74,5 @@ class OrvSitemapSize {
   const OrvStrArray& SampleUrls() const;
 
  private:
-  OrvOwnedPtr<OrvSitemapState> state;
+  OrvOwnedObject<OrvSitemapState> state;
 };

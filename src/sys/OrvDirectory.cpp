@@ -8,7 +8,7 @@
 OrvDirectory::OrvDirectory() {
   // getcwd says ERANGE until the buffer holds the whole path.
   for (size_t size = 256; size <= (size_t(1) << 20); size *= 2) {
-    OrvOwnedBytes<char> text = OrvOwnBytes<char>(size);
+    OrvOwned<char[]> text = OrvAllocOwned<char[]>(size);
     const bool got = getcwd(text.get(), size) != nullptr;
     const bool tooShort = !got && errno == ERANGE;
     if (got) workDir.CopyBuf(text.get(), -1);

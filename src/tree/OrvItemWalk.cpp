@@ -26,7 +26,7 @@ class ResumeStack {
 
   void Grow() {
     size_t more = capacity * 2;
-    OrvOwnedBytes<var_item*> bigger = OrvOwnBytes<var_item*>(more);
+    OrvOwned<var_item*[]> bigger = OrvAllocOwned<var_item*[]>(more);
     std::memcpy(bigger.get(), items, size * sizeof(var_item*));
     heap = std::move(bigger);
     items = heap.get();
@@ -34,7 +34,7 @@ class ResumeStack {
   }
 
   var_item** items;  // inlineItems or heap
-  OrvOwnedBytes<var_item*> heap;
+  OrvOwned<var_item*[]> heap;
   size_t size;
   size_t capacity;
   var_item* inlineItems[kInline];

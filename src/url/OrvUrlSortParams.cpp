@@ -22,7 +22,7 @@ struct RankedSlot {
 };
 
 void SortRanked(OrvUrlParam* params, int first, int n) {
-  OrvOwnedBytes<int32_t> orderOwned = OrvOwnBytes<int32_t>(size_t(n));
+  OrvOwned<int32_t[]> orderOwned = OrvAllocOwned<int32_t[]>(size_t(n));
   int32_t* order = orderOwned.get();
   for (int k = 0; k < n; k++) order[k] = k;
   OrvUrlParam* base = params + first;
@@ -35,7 +35,7 @@ void SortRanked(OrvUrlParam* params, int first, int n) {
     distinct = OrvWebPageUrl::CompareParamNames(&base[order[k - 1]], &base[order[k]]) != 0;
 
   if (!distinct) {
-    OrvOwnedBytes<RankedSlot> rankedOwned = OrvOwnBytes<RankedSlot>(size_t(n));
+    OrvOwned<RankedSlot[]> rankedOwned = OrvAllocOwned<RankedSlot[]>(size_t(n));
     RankedSlot* ranked = rankedOwned.get();
     int32_t rank = 0;
     for (int k = 0; k < n; k++) {
@@ -43,7 +43,7 @@ void SortRanked(OrvUrlParam* params, int first, int n) {
       ranked[order[k]] = {rank, order[k]};
     }
     // seen[r] holds the number of the last range in which rank r was met.
-    OrvOwnedBytes<int32_t> seenOwned = OrvOwnBytes<int32_t>(size_t(rank) + 1);
+    OrvOwned<int32_t[]> seenOwned = OrvAllocOwned<int32_t[]>(size_t(rank) + 1);
     int32_t* seen = seenOwned.get();
     for (int32_t r = 0; r <= rank; r++) seen[r] = -1;
     int32_t rangeNumber = 0;
@@ -66,7 +66,7 @@ void SortRanked(OrvUrlParam* params, int first, int n) {
     for (int k = 0; k < n; k++) order[k] = ranked[k].position;
   }
 
-  OrvOwnedArray<OrvUrlParam> moved = OrvOwnArray<OrvUrlParam>(size_t(n));
+  OrvOwnedArray<OrvUrlParam> moved = OrvNewOwnedArray<OrvUrlParam>(size_t(n));
   for (int k = 0; k < n; k++) moved[k] = std::move(base[order[k]]);
   for (int k = 0; k < n; k++) base[k] = std::move(moved[k]);
 }

@@ -17,12 +17,12 @@ TEST(Owned, RegrowKeepsSlotsAndGivesEveryByteBack) {
     std::vector<int32_t> sizes = Numbers(c[0]);
     const int64_t before = OrvGetHeldBytes();
     {
-      OrvOwnedBytes<int32_t> slots = OrvOwnBytes<int32_t>(size_t(sizes[0]));
+      OrvOwned<int32_t[]> slots = OrvAllocOwned<int32_t[]>(size_t(sizes[0]));
       ASSERT_TRUE(slots);
       EXPECT_GT(OrvGetHeldBytes(), before);
       for (int32_t i = 0; i < sizes[0]; i++) slots[i] = i * 7;
       for (size_t k = 1; k < sizes.size(); k++) {
-        OrvRegrowBytes(slots, size_t(sizes[k]));
+        OrvReallocOwned(slots, size_t(sizes[k]));
         const int32_t kept = std::min(sizes[k - 1], sizes[k]);
         for (int32_t i = 0; i < kept; i++) ASSERT_EQ(slots[i], i * 7) << "slot " << i;
         for (int32_t i = kept; i < sizes[k]; i++) slots[i] = i * 7;

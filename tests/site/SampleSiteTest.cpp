@@ -61,4 +61,19 @@ TEST(SampleSite, TheTrueCountIsWhatAFullCrawlFinds) {
   }
 }
 
+// The site is started by hand too: a bad option is a usage error, status 2 as
+// the tool gives, naming the option.
+TEST(SampleSite, BadOptionsExitAsTheToolDoes) {
+  const std::vector<std::string> bad[] = {{"--frob"}, {"--profile", "nosuch"}, {"--pages", "x"}};
+  for (const auto& args : bad) {
+    SCOPED_TRACE(args[0]);
+    std::vector<std::string> argv = {ToolPath("orvwebpage-sample-site")};
+    argv.insert(argv.end(), args.begin(), args.end());
+    ToolRun run = RunTool(argv, 20);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find(args.back()), std::string::npos) << run.err;
+    EXPECT_EQ(run.out, "");
+  }
+}
+
 }  // namespace

@@ -29,7 +29,7 @@ _orvwebpage() {
     estimate) options+=" --max-requests --timeout --deadline --delay --user-agent --hosts
       --ignore-robots --jobs --from --explain" ;;
     size) options+=" --max-requests --timeout --deadline --delay --user-agent --hosts
-      --ignore-robots --explain" ;;
+      --ignore-robots --jobs --from --explain" ;;
     help) COMPREPLY=($(compgen -W "$commands" -- "$cur")); return ;;
   esac
   if [[ "$cur" == -* ]]; then

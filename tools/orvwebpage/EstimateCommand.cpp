@@ -5,20 +5,16 @@
 #include <strings.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cmath>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <memory>
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "Command.h"
@@ -27,9 +23,9 @@
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "ShownText.h"
+#include "SiteBatch.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
-#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvString.h"
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
@@ -38,10 +34,8 @@
 namespace {
 
 struct EstimateOptions {
-  std::string url;                // of the site in hand
-  std::vector<std::string> urls;  // as given, before those of --from
-  std::string from;               // a file of URLs, one a line; "-": stdin
-  int jobs = 1;                   // sites estimated at once
+  SiteBatch batch;
+  std::string url;  // of the site in hand
   bool ignoreRobots = false;
   int64_t maxRequests = 0;  // 0: no budget
   double timeout = 0;       // seconds per request; 0: the HTTP layer's default
@@ -49,7 +43,6 @@ struct EstimateOptions {
   int32_t delay = 0;        // milliseconds between requests
   std::string userAgent;    // empty: the library's own
   std::string hosts;        // empty: requests may go anywhere
-  bool json = false;
   bool explain = false;
 };
 
@@ -134,80 +127,10 @@ void ShowProgress(const OrvHttpProgress& p, void* context) {
                       probing ? "probing a listing" : "crawling");
 }
 
-// Ctrl-C cuts every estimate in hand short and starts no other: the handler
-// only sets a flag, and a watcher thread stops the estimators and their
-// requests in flight, so the estimates made so far are printed.
-volatile std::sig_atomic_t interrupted = 0;
-
-void OnInterrupt(int) { interrupted = 1; }
-
-struct Active {
-  OrvWebPageCountEstimate* estimator;
-  OrvHttpRun* run;
-};
-std::mutex activeLock;
-std::vector<Active> active;
-bool stopping = false;  // under activeLock: the watcher has stopped them all
-
-void StopActive(const Active& a) {
-  a.estimator->StopEstimating();
-  a.run->Stop();
-}
-
-class InterruptWatch {
- public:
-  InterruptWatch() {
-    interrupted = 0;
-    struct sigaction action = {};
-    action.sa_handler = OnInterrupt;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, &previous);
-    watcher = std::thread([this] {
-      while (!done.load()) {
-        if (interrupted) {
-          std::lock_guard<std::mutex> hold(activeLock);
-          stopping = true;
-          for (const Active& a : active) StopActive(a);
-          return;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(20));
-      }
-    });
-  }
-  ~InterruptWatch() {
-    done = true;
-    watcher.join();
-    sigaction(SIGINT, &previous, nullptr);
-  }
-
- private:
-  struct sigaction previous = {};
-  std::atomic<bool> done{false};
-  std::thread watcher;
-};
-
-// Known to the watcher while it lives.
-class ActiveEstimate {
- public:
-  ActiveEstimate(OrvWebPageCountEstimate& estimator, OrvHttpRun& run) : me{&estimator, &run} {
-    std::lock_guard<std::mutex> hold(activeLock);
-    if (stopping) StopActive(me);
-    active.push_back(me);
-  }
-  ~ActiveEstimate() {
-    std::lock_guard<std::mutex> hold(activeLock);
-    for (size_t i = 0; i < active.size(); i++)
-      if (active[i].estimator == me.estimator) active.erase(active.begin() + long(i));
-  }
-
- private:
-  Active me;
-};
-
 // On the calling thread's run, which it sets up from o.
-EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& httpRun) {
+EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
   OrvWebPageCountEstimate estimator;
-  ActiveEstimate known(estimator, httpRun);
+  StopOnInterrupt stop([&estimator] { estimator.StopEstimating(); });
   std::unique_ptr<Progress> progress;
   if (showProgress && isatty(STDERR_FILENO)) {
     progress.reset(new Progress{.estimator = &estimator});
@@ -231,7 +154,7 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
   run.fetches = OrvHttpLimits::GetFetches();
   run.bytes = OrvHttpLimits::GetBytes();
   run.spent = OrvHttpLimits::IsSpent() != 0;
-  run.interrupted = interrupted != 0;
+  run.interrupted = SiteBatchInterrupted();
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
@@ -244,12 +167,8 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
   return run;
 }
 
-std::string Dump(const nlohmann::ordered_json& doc) {
-  return doc.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-}
-
 std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
-  if (o.json) {
+  if (o.batch.json) {
     nlohmann::ordered_json out;
     out["url"] = o.url;
     out["estimate"] = run.estimate;
@@ -262,7 +181,7 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
     }
     if (!run.robotsRefused.empty()) out["robots_refused"] = run.robotsRefused;
     if (o.explain) AddExplanation(run.explanation, out);
-    return Dump(out);
+    return JsonText(out, kOneLine);
   }
   std::ostringstream text;
   text << "url:      " << ShownText(o.url) << "\n"
@@ -291,92 +210,19 @@ std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
                                : "no readable page came back");
 }
 
-// One site in a run of its own, bound to the calling thread. Gives its
-// output, or sets error to why nothing could be read.
-std::string EstimateSite(EstimateOptions o, const std::string& url, bool showProgress,
-                         std::string& error) {
+// One site on the calling thread's run.
+SiteOutcome EstimateSite(EstimateOptions o, const std::string& url, bool alone) {
   o.url = url;
-  OrvHttpRun httpRun;
-  httpRun.Bind();
-  EstimateRun run = Estimate(o, showProgress, httpRun);
-  error = FailureOf(o, run);
-  if (error.empty() && run.exact != run.estimate)
+  EstimateRun run = Estimate(o, alone);
+  SiteOutcome outcome;
+  outcome.error = FailureOf(o, run);
+  if (!outcome.error.empty()) return outcome;
+  if (run.exact != run.estimate)
     std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
                  "summed in 64 bits it is " +
                      std::to_string(run.exact) + " pages\n";
-  if (error.empty()) return RunText(o, run);
-  if (!o.json) return "url:      " + ShownText(url) + "\nerror:    " + ShownText(error) + "\n";
-  nlohmann::ordered_json out;
-  out["url"] = url;
-  out["error"] = error;
-  return Dump(out);
-}
-
-int RunEstimate(EstimateOptions& o) {
-  std::vector<std::string> urls = o.urls;
-  if (!o.from.empty())
-    ForEachInputLine(ReadInput(o.from), [&](std::string_view line) {
-      // Blanks around a URL are no part of it; a blank line names no site.
-      size_t first = line.find_first_not_of(" \t"), last = line.find_last_not_of(" \t");
-      if (first != std::string_view::npos) urls.emplace_back(line.substr(first, last - first + 1));
-    });
-  if (urls.empty() && o.from.empty()) {
-    std::cerr << "orvwebpage: URL is required" << std::endl;  // a usage error, like CLI11's
-    return 2;
-  }
-  if (urls.empty()) throw CommandError("no URL in " + o.from);
-  InterruptWatch watch;
-  if (urls.size() == 1 && o.from.empty()) {
-    std::string error;
-    std::string text = EstimateSite(o, urls[0], true, error);
-    if (!error.empty()) throw CommandError(urls[0], error, o.json);
-    std::cout << text;
-    return interrupted ? 130 : 0;
-  }
-
-  // Sites are taken in input order by the workers and printed in that order
-  // as soon as each one and those before it are done.
-  struct Site {
-    std::string text, error;
-    bool done = false;
-  };
-  std::vector<Site> sites(urls.size());
-  std::mutex lock;
-  size_t next = 0, printed = 0;
-  bool failed = false;
-  auto work = [&] {
-    for (;;) {
-      size_t i;
-      {
-        std::lock_guard<std::mutex> hold(lock);
-        if (next >= urls.size() || interrupted) return;
-        i = next++;
-      }
-      std::string error;
-      std::string text = EstimateSite(o, urls[i], false, error);
-      std::lock_guard<std::mutex> hold(lock);
-      sites[i].text = std::move(text);
-      sites[i].error = std::move(error);
-      sites[i].done = true;
-      for (; printed < sites.size() && sites[printed].done; printed++) {
-        Site& site = sites[printed];
-        if (!site.error.empty()) {
-          failed = true;
-          std::cerr << "orvwebpage: cannot read " << urls[printed] << ": " << site.error
-                    << std::endl;
-        }
-        if (!o.json && printed > 0) std::cout << "\n";
-        std::cout << site.text << std::flush;
-        site.text.clear();
-      }
-    }
-  };
-  size_t workers = std::min(urls.size(), size_t(o.jobs));
-  std::vector<std::thread> threads;
-  for (size_t i = 1; i < workers; i++) threads.emplace_back(work);
-  work();
-  for (std::thread& t : threads) t.join();
-  return interrupted ? 130 : failed ? 1 : 0;
+  outcome.text = RunText(o, run);
+  return outcome;
 }
 
 }  // namespace
@@ -385,11 +231,7 @@ Command AddEstimateCommand(CLI::App& parent) {
   auto* app = parent.add_subcommand("estimate",
                                     "Estimate how many pages a site holds, crawling it from URL");
   auto o = std::make_shared<EstimateOptions>();
-  app->add_option("URL", o->urls, "entry URL of a site; several are estimated one after another");
-  app->add_option("--from", o->from, "also read entry URLs from FILE, one a line (- for stdin)")
-      ->type_name("FILE");
-  app->add_option("--jobs", o->jobs, "estimate N sites at once, each with its own limits")
-      ->transform(WholeNumber(1, 256, "N"));
+  AddSiteBatchOptions(app, o->batch, "estimated", "estimate");
   app->add_flag("--ignore-robots", o->ignoreRobots,
                 "do not read robots.txt, nor keep to what it refuses");
   app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
@@ -403,10 +245,14 @@ Command AddEstimateCommand(CLI::App& parent) {
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
       ->check(kHostPatterns);
-  app->add_flag("--json", o->json,
+  app->add_flag("--json", o->batch.json,
                 "print one JSON document a site, one a line: url, estimate, requests, seconds");
   app->add_flag("--explain", o->explain,
                 "also print what the estimate is made of: its shapes, and each listing's pager "
                 "and probes");
-  return {app, [o] { return RunEstimate(*o); }};
+  return {app, [o] {
+            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone) {
+              return EstimateSite(*o, url, alone);
+            });
+          }};
 }

@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <string>
 
 // Prints the one JSON document of a command's --json output. Texts from URLs
 // and pages are bytes, not UTF-8: an invalid sequence shows as U+FFFD instead
@@ -10,6 +11,11 @@
 constexpr int kOneLine = -1;
 
 template <class Json>
+std::string JsonText(const Json& doc, int indent = 2) {
+  return doc.dump(indent, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+template <class Json>
 void PrintJson(const Json& doc, int indent = 2) {
-  std::cout << doc.dump(indent, ' ', false, Json::error_handler_t::replace) << "\n";
+  std::cout << JsonText(doc, indent);
 }

@@ -1,19 +1,18 @@
-// `orvwebpage size URL`: how many pages a site holds, from its sitemaps, a
+// `orvwebpage size URL...`: how many pages a site holds, from its sitemaps, a
 // crawl that reads today's pagers, and the exact estimate, with the range
 // the figure is sure of and each source's figure beside it.
 
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <climits>
 #include <cmath>
-#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 
 #include "Command.h"
@@ -21,6 +20,7 @@
 #include "JsonOutput.h"
 #include "ProgressLine.h"
 #include "ShownText.h"
+#include "SiteBatch.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvSiteSize.h"
 #include "orvwebpage/OrvString.h"
@@ -28,14 +28,13 @@
 namespace {
 
 struct SizeOptions {
-  std::string url;
+  SiteBatch batch;
   int64_t maxRequests = 60;
   double timeout = 0;   // seconds per request; 0: the HTTP layer's default
   double deadline = 0;  // seconds for the whole run; 0: none
   int32_t delay = 0;    // milliseconds between requests
   std::string userAgent;
   std::string hosts;
-  bool json = false;
   bool explain = false;
   bool ignoreRobots = false;
 };
@@ -44,14 +43,6 @@ std::string Text(const OrvString& text) { return text.buf ? std::string(text.buf
 
 std::string Range(int64_t low, int64_t high) {
   return std::to_string(low) + "-" + std::to_string(high);
-}
-
-std::atomic<OrvSiteSize*> interruptTarget{nullptr};
-std::atomic<bool> interrupted{false};
-
-void OnInterrupt(int) {
-  interrupted = true;
-  if (OrvSiteSize* size = interruptTarget.load()) size->Stop();
 }
 
 struct Progress {
@@ -142,8 +133,10 @@ void PrintExplanation(const nlohmann::ordered_json& e, std::ostream& out) {
         << s["high"] << ") by " << s["how"].get<std::string>() << ", " << s["seen"] << " seen\n";
 }
 
-int RunSize(const SizeOptions& o) {
+// One site on the calling thread's run.
+SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone) {
   OrvSiteSize size;
+  StopOnInterrupt stop([&size] { size.Stop(); });
   OrvHttpSettings settings = OrvHttpLimits::Get();
   settings.maxRequests = o.maxRequests;
   if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
@@ -154,45 +147,37 @@ int RunSize(const SizeOptions& o) {
   if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
 
   std::unique_ptr<Progress> progress;
-  if (isatty(STDERR_FILENO)) {
+  if (alone && isatty(STDERR_FILENO)) {
     progress.reset(new Progress);
     OrvHttpLimits::SetProgress(ShowProgress, progress.get());
   }
-  interruptTarget = &size;
-  auto previous = std::signal(SIGINT, OnInterrupt);
 
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();
   OrvHttpLimits::Set(settings);
-  size.Measure(o.url.data(), long(o.url.size()), o.maxRequests);
+  size.Measure(url.data(), long(url.size()), o.maxRequests);
   double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   bool deadlinePassed = OrvHttpLimits::IsSpent() && size.Requests() < o.maxRequests;
+  bool interrupted = SiteBatchInterrupted();
 
-  std::signal(SIGINT, previous);
-  interruptTarget = nullptr;
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
     progress->line.Clear();
   }
 
+  SiteOutcome outcome;
   if (size.Source() == ORV_SIZE_NONE) {
     OrvString failedUrl, failure;
     OrvHttpLimits::GetLastFailure(failedUrl, failure);
-    std::string why = interrupted      ? "interrupted"
-                      : deadlinePassed ? "the deadline passed first"
-                      : failure.len    ? Text(failure)
-                                       : "no readable page came back";
-    if (o.json) {
-      nlohmann::ordered_json out;
-      out["url"] = o.url;
-      out["error"] = why;
-      PrintJson(out, kOneLine);
-    }
-    throw CommandError("cannot read " + o.url + ": " + why);
+    outcome.error = interrupted      ? "interrupted"
+                    : deadlinePassed ? "the deadline passed first"
+                    : failure.len    ? Text(failure)
+                                     : "no readable page came back";
+    return outcome;
   }
 
   nlohmann::ordered_json out;
-  out["url"] = o.url;
+  out["url"] = url;
   out["pages"] = size.Pages();
   out["low"] = size.Low();
   out["high"] = size.High();
@@ -226,34 +211,33 @@ int RunSize(const SizeOptions& o) {
   nlohmann::ordered_json explanation;
   if (o.explain) explanation = Explanation(size);
 
-  if (o.json) {
+  if (o.batch.json) {
     if (o.explain)
       for (auto& [key, value] : explanation.items()) out[key] = value;
-    PrintJson(out, kOneLine);
-    return 0;
+    outcome.text = JsonText(out, kOneLine);
+    return outcome;
   }
   char secondsText[32];
   std::snprintf(secondsText, sizeof secondsText, "%.2f", seconds);
-  std::cout << "url:      " << ShownText(o.url) << "\n"
-            << "pages:    " << size.Pages() << " (" << Range(size.Low(), size.High()) << "), from "
-            << OrvSiteSize::SourceName(size.Source()) << " (" << Text(size.Reason()) << ")\n"
-            << "sitemap:  " << size.SitemapPages() << " ("
-            << Range(size.SitemapLow(), size.SitemapHigh()) << ")"
-            << (size.SitemapPages() ? size.SitemapTrusted() ? ", trusted" : ", not trusted" : "")
-            << "\n"
-            << "crawl:    " << size.CrawlPages() << " (" << Range(size.CrawlLow(), size.CrawlHigh())
-            << "), " << size.CrawlPagesRead() << " pages read\n"
-            << "exact:    " << size.ExactPages() << (size.ExactWrapped() ? " (wrapped)" : "")
-            << "\n"
-            << "requests: " << size.Requests() << " (sitemap " << size.SitemapRequests()
-            << ", crawl " << size.CrawlRequests() << ", exact " << size.ExactRequests() << ")\n"
-            << "seconds:  " << secondsText << "\n";
-  if (out.contains("partial"))
-    std::cout << "partial:  " << out["reason"].get<std::string>() << "\n";
+  std::ostringstream text;
+  text << "url:      " << ShownText(url) << "\n"
+       << "pages:    " << size.Pages() << " (" << Range(size.Low(), size.High()) << "), from "
+       << OrvSiteSize::SourceName(size.Source()) << " (" << Text(size.Reason()) << ")\n"
+       << "sitemap:  " << size.SitemapPages() << " ("
+       << Range(size.SitemapLow(), size.SitemapHigh()) << ")"
+       << (size.SitemapPages() ? size.SitemapTrusted() ? ", trusted" : ", not trusted" : "") << "\n"
+       << "crawl:    " << size.CrawlPages() << " (" << Range(size.CrawlLow(), size.CrawlHigh())
+       << "), " << size.CrawlPagesRead() << " pages read\n"
+       << "exact:    " << size.ExactPages() << (size.ExactWrapped() ? " (wrapped)" : "") << "\n"
+       << "requests: " << size.Requests() << " (sitemap " << size.SitemapRequests() << ", crawl "
+       << size.CrawlRequests() << ", exact " << size.ExactRequests() << ")\n"
+       << "seconds:  " << secondsText << "\n";
+  if (out.contains("partial")) text << "partial:  " << out["reason"].get<std::string>() << "\n";
   if (out.contains("robots_refused"))
-    std::cout << "robots:   " << out["robots_refused"].size() << " URLs refused by robots.txt\n";
-  if (o.explain) PrintExplanation(explanation, std::cout);
-  return 0;
+    text << "robots:   " << out["robots_refused"].size() << " URLs refused by robots.txt\n";
+  if (o.explain) PrintExplanation(explanation, text);
+  outcome.text = text.str();
+  return outcome;
 }
 
 }  // namespace
@@ -262,7 +246,7 @@ Command AddSizeCommand(CLI::App& parent) {
   auto* app = parent.add_subcommand(
       "size", "How many pages a site holds: sitemaps, a crawl of its listings, the exact estimate");
   auto o = std::make_shared<SizeOptions>();
-  app->add_option("URL", o->url, "entry URL of the site")->required();
+  AddSiteBatchOptions(app, o->batch, "sized", "size");
   app->add_option("--max-requests", o->maxRequests, "requests the whole run may make (60)")
       ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
@@ -274,10 +258,14 @@ Command AddSizeCommand(CLI::App& parent) {
   app->add_option("--hosts", o->hosts,
                   "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
       ->check(kHostPatterns);
-  app->add_flag("--json", o->json,
-                "print one JSON document: url, pages, low, high, source, requests, seconds, ...");
+  app->add_flag("--json", o->batch.json,
+                "print one JSON document a site, one a line: url, pages, low, high, source, ...");
   app->add_flag("--ignore-robots", o->ignoreRobots, "do not read or obey robots.txt files");
   app->add_flag("--explain", o->explain,
                 "also print what the figure is made of: sitemaps, listings, shapes");
-  return {app, [o] { return RunSize(*o); }};
+  return {app, [o] {
+            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone) {
+              return SizeSite(*o, url, alone);
+            });
+          }};
 }

@@ -51,7 +51,7 @@ struct OrvHttpRunState {
 
   std::mutex robotsLock;
   OrvStrMap<int32_t> originIndex;  // "scheme://host:port" to its place in origins
-  std::vector<OrvOwnedPtr<OrvHttpOrigin>, OrvAllocator<OrvOwnedPtr<OrvHttpOrigin>>> origins;
+  std::vector<OrvOwnedObject<OrvHttpOrigin>, OrvAllocator<OrvOwnedObject<OrvHttpOrigin>>> origins;
 
   ~OrvHttpRunState() { ForgetOrigins(); }
   // Caller holds robotsLock and lock, or is the only user.

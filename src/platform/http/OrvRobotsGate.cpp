@@ -104,7 +104,7 @@ ORV_HTTP_STATUS OrvRobotsCheck(OrvHttpRunState& run, const OrvRequestTarget& tar
     place = run.originIndex.Insert(key.buf, int32_t(key.len), &found);
     if (!found) {
       *place = int32_t(run.origins.size());
-      run.origins.push_back(OrvOwnNew<OrvHttpOrigin>());
+      run.origins.push_back(OrvNewOwned<OrvHttpOrigin>());
     }
     origin = run.origins[size_t(*place)].get();
   }
