@@ -3,12 +3,16 @@
 # size (/usr/bin/time) over a loopback page of 1,000,000 links, each with a
 # parameter name of its own, for `estimate --max-requests 1`, `links --html`
 # and `nodes`; beside link classification's own bytes per link
-# (build/bench/url_classify, BM_GrowthRatio) and the ratio to it.
+# (build/bench/url_classify, BM_GrowthRatio) and the ratio to it. Then the
+# peak of `links --html` and `nodes` on a file of DIV_MB megabytes of nothing
+# but "<div>", as a multiple of the file's size.
 #
-#   bench/link_memory.sh [LINKS]   (default 1000000; ORV_BUILD_DIR picks the build)
+#   bench/link_memory.sh [LINKS] [DIV_MB]   (defaults 1000000 and 200, 0 skips
+#   the file; ORV_BUILD_DIR picks the build)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 links=${1:-1000000}
+div_mb=${2:-200}
 build=${ORV_BUILD_DIR:-build}
 tool=$build/bin/orvwebpage
 [ -x "$tool" ] || { echo "bench/link_memory.sh: $tool is missing; build first" >&2; exit 1; }
@@ -57,3 +61,20 @@ for run in "estimate --max-requests 1$lift" "links --html" "nodes"; do
   printf '%-32s %12.0f %14s %10s\n' "${run%% --deadline*}" "$((kb / 1024))" "$bytes" "$ratio"
 done
 printf '%-32s %12s %14s\n' "link classification (bench)" "" "${classify:-?}"
+
+[ "$div_mb" -gt 0 ] || exit 0
+/usr/bin/python3 - "$work/divs.html" "$div_mb" <<'PY'
+import sys
+with open(sys.argv[1], "w") as f:
+    for _ in range(int(sys.argv[2]) * 200):
+        f.write("<div>" * 1000)
+PY
+echo
+printf '%-32s %12s %14s\n' "run ($div_mb MB of <div>)" "peak MB" "x file size"
+for run in "links --html" "nodes"; do
+  # shellcheck disable=SC2086
+  kb=$(peak_kb "$tool" $run "$work/divs.html" || true)
+  [[ $kb =~ ^[0-9]+$ ]] || { echo "$run: failed" >&2; continue; }
+  ratio=$(awk -v kb="$kb" -v mb="$div_mb" 'BEGIN { printf "%.1f", kb * 1024 / (mb * 1000000) }')
+  printf '%-32s %12.0f %14s\n' "$run" "$((kb / 1024))" "$ratio"
+done

@@ -10,6 +10,7 @@
 #include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvItemPath.h"
+#include "orvwebpage/OrvLinkHtml.h"
 #include "orvwebpage/OrvMemoryUse.h"
 #include "orvwebpage/OrvPageLinks.h"
 #include "orvwebpage/OrvSiteSize.h"

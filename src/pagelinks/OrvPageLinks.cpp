@@ -26,12 +26,6 @@ bool IsNamed(const var_item* item, const char* name, int32_t length) {
   return item->name && CapsEqual(item->name, item->name_len, name, length);
 }
 
-struct RawLink {
-  const char* href;
-  int32_t hrefLen;
-  OrvString label;
-};
-
 template <class T>
 using OrvVector = std::vector<T, OrvAllocator<T>>;
 
@@ -43,10 +37,33 @@ class OrvPageLinksImpl {
   OrvVector<OrvString> labels;
   int hasBase = 0;
 
-  // Gathered in one walk; the hrefs point into the page's tree.
-  OrvVector<RawLink> raw;
-  OrvVector<std::pair<int32_t, size_t>> open;  // depth of an open link, its index
+  // The base must be known before the first link is resolved, and it may
+  // come after links: a first walk finds it and counts the links, so the
+  // second writes each link straight into lists of the right size.
   const var_attr* base = nullptr;
+  size_t count = 0;
+  const OrvUrlResolver* resolver = nullptr;
+  OrvVector<std::pair<int32_t, size_t>> open;  // depth of an open link, its index
+
+  static void Survey(var_item* item, int32_t, void* user) {
+    auto* self = static_cast<OrvPageLinksImpl*>(user);
+    if (item->tag_id == ORV_TAG_LINK) {
+      if (FindLinkAttr(item->attr_list)) self->count++;
+    } else if (IsNamed(item, "area", 4)) {
+      if (FindAttrByName(item->attr_list, "href", 4)) self->count++;
+    } else if (!self->base && IsNamed(item, "base", 4)) {
+      self->base = FindAttrByName(item->attr_list, "href", 4);
+    }
+  }
+
+  size_t Add(const var_attr* target) {
+    OrvString& url = urls.emplace_back();
+    const char* href = target->value;
+    int32_t length = MeasuredLen(href, target->value_len);
+    if (!hasBase || !resolver->Resolve(href, length, url)) url.CopyBuf(href ? href : "", length);
+    labels.emplace_back();
+    return labels.size() - 1;
+  }
 
   // The walk visits parents before children, so the links open around an
   // item are those on the stack at a smaller depth: no climbing per text run,
@@ -57,23 +74,19 @@ class OrvPageLinksImpl {
     if (item->tag_id == ORV_TAG_LINK) {
       const var_attr* target = FindLinkAttr(item->attr_list);
       if (!target) return;
-      self->raw.push_back({target->value, MeasuredLen(target->value, target->value_len), {}});
-      self->open.emplace_back(depth, self->raw.size() - 1);
+      self->open.emplace_back(depth, self->Add(target));
     } else if (item->tag_id == 0 && item->text && !self->open.empty()) {
       // Runs are kept apart by a space: the markup between them often stands
       // for a break (a heading and a summary inside one link).
-      OrvString& label = self->raw[self->open.back().second].label;
+      OrvString& label = self->labels[self->open.back().second];
       if (label.len > 0 && label.buf[label.len - 1] != ' ') label += ' ';
       AppendWords(label, item->text, MeasuredLen(item->text, item->text_len));
     } else if (IsNamed(item, "area", 4)) {
       const var_attr* target = FindAttrByName(item->attr_list, "href", 4);
       if (!target) return;
-      RawLink& link = self->raw.emplace_back(
-          RawLink{target->value, MeasuredLen(target->value, target->value_len), {}});
+      OrvString& label = self->labels[self->Add(target)];
       if (const var_attr* alt = FindAttrByName(item->attr_list, "alt", 3))
-        AppendWords(link.label, alt->value, MeasuredLen(alt->value, alt->value_len));
-    } else if (!self->base && IsNamed(item, "base", 4)) {
-      self->base = FindAttrByName(item->attr_list, "href", 4);
+        AppendWords(label, alt->value, MeasuredLen(alt->value, alt->value_len));
     }
   }
 };
@@ -83,12 +96,12 @@ OrvPageLinks::OrvPageLinks() : impl(OrvNew<OrvPageLinksImpl>()) {}
 OrvPageLinks::~OrvPageLinks() { OrvDelete(impl); }
 
 int OrvPageLinks::Read(var_item* root, const char* pageUrl, long len) {
-  impl->urls.clear();
-  impl->labels.clear();
-  impl->raw.clear();
+  OrvVector<OrvString>().swap(impl->urls);
+  OrvVector<OrvString>().swap(impl->labels);
   impl->open.clear();
   impl->base = nullptr;
-  if (root) WalkItems(root, 1, &OrvPageLinksImpl::Visit, impl);
+  impl->count = 0;
+  if (root) WalkItems(root, 1, &OrvPageLinksImpl::Survey, impl);
 
   OrvUrlResolver pageResolver, resolver;
   pageResolver.SetBase(pageUrl, pageUrl ? len : 0);
@@ -101,20 +114,16 @@ int OrvPageLinks::Read(var_item* root, const char* pageUrl, long len) {
       use = &resolver;
   }
   impl->hasBase = use->HasBase();
+  impl->resolver = use;
 
-  impl->urls.reserve(impl->raw.size());
-  impl->labels.reserve(impl->raw.size());
-  for (RawLink& link : impl->raw) {
-    OrvString& url = impl->urls.emplace_back();
-    if (!impl->hasBase || !use->Resolve(link.href, link.hrefLen, url))
-      url.CopyBuf(link.href ? link.href : "", link.hrefLen);
-    while (link.label.len > 0 && link.label.buf[link.label.len - 1] == ' ')
-      link.label.Cutlen(link.label.len - 1);
-    impl->labels.push_back(std::move(link.label));
-  }
-  impl->raw.clear();
+  impl->urls.reserve(impl->count);
+  impl->labels.reserve(impl->count);
+  if (root) WalkItems(root, 1, &OrvPageLinksImpl::Visit, impl);
+  for (OrvString& label : impl->labels)
+    while (label.len > 0 && label.buf[label.len - 1] == ' ') label.Cutlen(label.len - 1);
   impl->open.clear();
   impl->base = nullptr;
+  impl->resolver = nullptr;
   return 1;
 }
 

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -175,6 +177,33 @@ TEST(EstimateCommand, SendsTheUserAgentAskedFor) {
     std::lock_guard<std::mutex> hold(lock);  // the tool has ended, so every request was answered
     EXPECT_EQ(agents, std::vector<std::string>{agent});
   }
+}
+
+// --jobs N runs N sites at once, never more: a server whose answers take a
+// while sees N requests in flight at most, and N at some point.
+TEST(SizeCommand, JobsBoundTheSitesInFlight) {
+  LocalHttpServer http;
+  std::mutex lock;
+  int inFlight = 0, most = 0;
+  http.server.Get(R"(/.*)", [&](const httplib::Request&, httplib::Response& response) {
+    {
+      std::lock_guard<std::mutex> hold(lock);
+      most = std::max(most, ++inFlight);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    std::lock_guard<std::mutex> hold(lock);
+    inFlight--;
+    response.set_content("<p>home</p>", "text/html");
+  });
+  ASSERT_TRUE(http.Start());
+  std::vector<std::string> args = {ToolPath("orvwebpage"), "size",   "--json",
+                                   "--ignore-robots",      "--jobs", "2"};
+  for (const char* path : {"/a", "/b", "/c", "/d", "/e"}) args.push_back(http.Url(path));
+  ToolRun run = RunTool(args, 60);
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(std::count(run.out.begin(), run.out.end(), '\n'), 5);
+  std::lock_guard<std::mutex> hold(lock);
+  EXPECT_EQ(most, 2);
 }
 
 }  // namespace

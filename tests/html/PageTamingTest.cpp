@@ -3,7 +3,7 @@
 #include <string>
 #include <tuple>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "html/HtmlTestSupport.h"
 #include "platform/html/OrvPageTaming.h"
 
@@ -25,11 +25,9 @@ std::string Times(const std::string& piece, int n) {
 // The tamed page, or "(as is)" when no copy was needed.
 std::string Tamed(const std::string& page, bool mayBeWide) {
   size_t length = page.size();
-  char* copy = OrvTamePage(page.data(), length, mayBeWide);
+  OrvOwned<char> copy = OrvTamePage(page.data(), length, mayBeWide);
   if (!copy) return length == page.size() ? "(as is)" : "(length changed without a copy)";
-  std::string out(copy, length);
-  OrvFreeBytes(copy);
-  return out;
+  return std::string(copy.get(), length);
 }
 
 }  // namespace

@@ -251,7 +251,7 @@ Command AddEstimateCommand(CLI::App& parent) {
                 "also print what the estimate is made of: its shapes, and each listing's pager "
                 "and probes");
   return {app, [o] {
-            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone) {
+            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone, OrvHttpRun&) {
               return EstimateSite(*o, url, alone);
             });
           }};

@@ -45,58 +45,74 @@ std::string FromOrv(const OrvString& s) {
   return s.len > 0 ? std::string(s.buf, size_t(s.len)) : std::string();
 }
 
-struct LinkClass {
-  std::string key;
-  std::vector<PageLink> links;
-};
-
-std::vector<LinkClass> Classify(const std::string& entry, const std::vector<PageLink>& input) {
-  OrvWebPageUrls urls;
+// Hands the links to the classifier, giving up each one's text once the
+// classifier holds its own copy, so the two lists are never whole at once.
+void Classify(OrvWebPageUrls& urls, const std::string& entry, std::vector<PageLink> input) {
   if (!entry.empty()) urls.SetEntryUrl(ToOrv(entry));
-  for (const auto& link : input) urls.AddLink(ToOrv(link.url), ToOrv(link.label), nullptr);
+  for (auto& link : input) {
+    urls.AddLink(ToOrv(link.url), ToOrv(link.label), nullptr);
+    link = PageLink();
+  }
+  std::vector<PageLink>().swap(input);
   urls.ClassifyUrls();
+}
 
-  std::vector<LinkClass> classes;
+// Calls onClass(key, linkCount) for each class, then onLink(url, label) for
+// each of its links, reading the classifier in place instead of copying it.
+template <class OnClass, class OnLink>
+void ForEachClass(OrvWebPageUrls& urls, OnClass onClass, OnLink onLink) {
   OrvString key, url, label;
   void* userData = nullptr;
   int classCount = urls.GetClassCount();
   for (int c = 0; c < classCount; c++) {
     void* handle = urls.FetchClass(c);
-    LinkClass& out = classes.emplace_back();
-    if (urls.GetClassKeyStr(handle, key)) out.key = FromOrv(key);
+    key.Cutlen(0);
+    if (!urls.GetClassKeyStr(handle, key)) key.Cutlen(0);
     int linkCount = urls.GetUrlCount(handle);
+    onClass(FromOrv(key), linkCount);
     for (int i = 0; i < linkCount; i++)
-      if (urls.FetchUrl(handle, i, url, label, userData))
-        out.links.push_back({FromOrv(url), FromOrv(label)});
+      if (urls.FetchUrl(handle, i, url, label, userData)) onLink(FromOrv(url), FromOrv(label));
   }
-  return classes;
 }
 
-nlohmann::ordered_json ToJson(const std::vector<LinkClass>& classes) {
+nlohmann::ordered_json ToJson(OrvWebPageUrls& urls) {
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
-  for (const auto& c : classes) {
-    nlohmann::ordered_json urls = nlohmann::ordered_json::array();
-    for (const auto& link : c.links) urls.push_back({{"url", link.url}, {"label", link.label}});
-    list.push_back({{"key", c.key}, {"urls", std::move(urls)}});
-  }
+  nlohmann::ordered_json* links = nullptr;
+  ForEachClass(
+      urls,
+      [&](std::string key, int) {
+        list.push_back({{"key", std::move(key)}, {"urls", nlohmann::ordered_json::array()}});
+        links = &list.back()["urls"];
+      },
+      [&](std::string url, std::string label) {
+        links->push_back({{"url", std::move(url)}, {"label", std::move(label)}});
+      });
   return {{"classes", std::move(list)}};
 }
 
-void PrintReadable(const std::vector<LinkClass>& classes) {
-  size_t total = 0;
-  for (const auto& c : classes) total += c.links.size();
-  std::cout << classes.size() << (classes.size() == 1 ? " class, " : " classes, ") << total
+void PrintReadable(OrvWebPageUrls& urls) {
+  size_t classes = 0, total = 0;
+  ForEachClass(
+      urls,
+      [&](const std::string&, int count) {
+        classes++;
+        total += size_t(count);
+      },
+      [](const std::string&, const std::string&) {});
+  std::cout << classes << (classes == 1 ? " class, " : " classes, ") << total
             << (total == 1 ? " link\n" : " links\n");
-  for (size_t i = 0; i < classes.size(); i++) {
-    const auto& c = classes[i];
-    std::cout << "\nclass " << i << " (" << c.links.size()
-              << (c.links.size() == 1 ? " link): " : " links): ") << ShownText(c.key) << "\n";
-    for (const auto& link : c.links) {
-      std::cout << "  " << ShownText(link.url);
-      if (!link.label.empty()) std::cout << "\t" << ShownText(link.label);
-      std::cout << "\n";
-    }
-  }
+  size_t i = 0;
+  ForEachClass(
+      urls,
+      [&](const std::string& key, int count) {
+        std::cout << "\nclass " << i++ << " (" << count << (count == 1 ? " link): " : " links): ")
+                  << ShownText(key) << "\n";
+      },
+      [](const std::string& url, const std::string& label) {
+        std::cout << "  " << ShownText(url);
+        if (!label.empty()) std::cout << "\t" << ShownText(label);
+        std::cout << "\n";
+      });
 }
 
 int RunLinks(const LinksOptions& options) {
@@ -115,11 +131,12 @@ int RunLinks(const LinksOptions& options) {
       std::cerr << "orvwebpage: links kept as written: give --base URL to resolve them\n";
     if (entry.empty()) entry = pageUrl;
   }
-  std::vector<LinkClass> classes = Classify(entry, input);
+  OrvWebPageUrls urls;
+  Classify(urls, entry, std::move(input));
   if (options.json)
-    PrintJson(ToJson(classes));
+    PrintJson(ToJson(urls));
   else
-    PrintReadable(classes);
+    PrintReadable(urls);
   return 0;
 }
 

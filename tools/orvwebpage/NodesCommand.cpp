@@ -2,6 +2,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Command.h"
@@ -26,41 +27,46 @@ struct NodesOptions {
   bool json = false;
 };
 
-struct TextClass {
-  std::string path;  // empty for the page
-  std::vector<std::string> texts;
-};
-using TextClasses = std::vector<TextClass>;
-
-// Texts are copied out while the document is open; the classes only point
-// into it.
-class CopiedClasses : public OrvBlockTextSink {
+// The classes of a page, read in place while its tree is open: the texts are
+// views into the tree, no copy of them is made for printing.
+class PageClasses : public OrvBlockTextSink {
  public:
-  TextClasses classes;
+  PageClasses(std::string page, const std::string& contentType) {
+    CheckPageMemory(page);
+    if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
+      throw CommandError("cannot parse the page");
+    std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
+    blocks.Read(doc.root);
+    OrvWalkBlockTexts(blocks, *this);
+  }
+
+  int Count() const { return int(classes.size()); }
+  const std::string& Path(int c) const { return classes[size_t(c)].path; }
+  // Calls add(text) for each text of class c.
+  template <class Add>
+  void ForEachText(int c, Add add) const {
+    for (std::string_view text : classes[size_t(c)].texts) add(text);
+  }
+
   void OnClass(const char* path, int32_t length) override {
     classes.emplace_back().path.assign(path, size_t(length));
   }
   void OnText(const char* text, int32_t length) override {
     classes.back().texts.emplace_back(text, size_t(length));
   }
+
+ private:
+  struct TextClass {
+    std::string path;  // empty for the page
+    std::vector<std::string_view> texts;
+  };
+  OrvHtml doc;
+  OrvVisibleBlocks blocks;
+  std::vector<TextClass> classes;
 };
 
-TextClasses ClassifyPage(std::string page, const std::string& contentType) {
-  CheckPageMemory(page);
-  OrvHtml doc;
-  if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
-    throw CommandError("cannot parse the page");
-  std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
-  OrvVisibleBlocks blocks;
-  blocks.Read(doc.root);
-  CopiedClasses copied;
-  OrvWalkBlockTexts(blocks, copied);
-  doc.Close();
-  return std::move(copied.classes);
-}
-
 // One line per text: whitespace runs become one blank, ends trimmed.
-std::string OneLine(const std::string& text) {
+std::string OneLine(std::string_view text) {
   std::string out;
   bool blank = false;
   for (char c : text) {
@@ -75,32 +81,39 @@ std::string OneLine(const std::string& text) {
   return out;
 }
 
-void PrintReadable(const TextClasses& classes) {
-  size_t items = classes.empty() ? 0 : classes.back().texts.size();
-  std::cout << classes.size() << (classes.size() == 1 ? " class, " : " classes, ") << items
+void PrintReadable(const PageClasses& classes) {
+  int count = classes.Count();
+  size_t items = 0;
+  if (count > 0) classes.ForEachText(count - 1, [&items](std::string_view) { items++; });
+  std::cout << count << (count == 1 ? " class, " : " classes, ") << items
             << (items == 1 ? " visible text\n" : " visible texts\n");
-  for (size_t c = 0; c < classes.size(); c++) {
-    const auto& texts = classes[c].texts;
-    bool page = c + 1 == classes.size();
+  for (int c = 0; c < count; c++) {
+    bool page = c + 1 == count;
+    size_t texts = 0;
+    classes.ForEachText(c, [&texts](std::string_view) { texts++; });
     std::cout << "\n"
-              << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts.size()
-              << (texts.size() == 1 ? " text)" : " texts)");
-    if (!page) std::cout << " at " << ShownText(classes[c].path);
+              << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts
+              << (texts == 1 ? " text)" : " texts)");
+    if (!page) std::cout << " at " << ShownText(classes.Path(c));
     std::cout << "\n";
-    for (const auto& text : texts) std::cout << "  " << ShownText(OneLine(text)) << "\n";
+    classes.ForEachText(
+        c, [](std::string_view text) { std::cout << "  " << ShownText(OneLine(text)) << "\n"; });
   }
 }
 
 int RunNodes(const NodesOptions& options) {
   std::string contentType;
   std::string page = ReadPageSource(options.source, &contentType, &options.fetch, options.json);
-  TextClasses classes = ClassifyPage(std::move(page), contentType);
+  PageClasses classes(std::move(page), contentType);
   if (options.json) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (size_t c = 0; c < classes.size(); c++) {
+    for (int c = 0; c < classes.Count(); c++) {
       nlohmann::ordered_json one;
-      if (c + 1 < classes.size()) one["path"] = classes[c].path;
-      one["items"] = classes[c].texts;
+      if (c + 1 < classes.Count()) one["path"] = classes.Path(c);
+      nlohmann::ordered_json items = nlohmann::ordered_json::array();
+      classes.ForEachText(c,
+                          [&items](std::string_view text) { items.push_back(std::string(text)); });
+      one["items"] = std::move(items);
       list.push_back(std::move(one));
     }
     PrintJson(nlohmann::ordered_json{{"classes", std::move(list)}});

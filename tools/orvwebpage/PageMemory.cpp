@@ -17,6 +17,8 @@ namespace {
 // but tags, and how many copies of the page's bytes are alive at once.
 constexpr uint64_t kBytesPerTag = 160;
 constexpr uint64_t kPageCopies = 4;
+// A tree of links only: the parser's stack for every tag, items for links.
+constexpr uint64_t kBytesPerStackTag = 16;
 
 uint64_t AvailableSystemMemory() {
   std::ifstream in("/proc/meminfo");
@@ -42,14 +44,24 @@ uint64_t AddressSpaceLeft() {
 
 std::string Megabytes(uint64_t bytes) { return std::to_string((bytes + (1 << 20) - 1) >> 20); }
 
+bool IsLinkTag(const char *p, const char *end) {
+  return end - p >= 3 && (p[1] | 0x20) == 'a' &&
+         (p[2] == ' ' || p[2] == '\t' || p[2] == '\n' || p[2] == '>' || (p[2] | 0x20) == 'r');
+}
+
 }  // namespace
 
-void CheckPageMemory(std::string_view page) {
-  uint64_t tags = 0;
-  for (const char *p = page.data(), *end = p + page.size();
-       (p = static_cast<const char *>(std::memchr(p, '<', size_t(end - p)))) != nullptr; p++)
+void CheckPageMemory(std::string_view page, PageTree tree) {
+  uint64_t tags = 0, links = 0;
+  const char *end = page.data() + page.size();
+  for (const char *p = page.data();
+       (p = static_cast<const char *>(std::memchr(p, '<', size_t(end - p)))) != nullptr; p++) {
     tags++;
+    if (tree == PageTree::kLinks && IsLinkTag(p, end)) links++;
+  }
   uint64_t needed = kPageCopies * page.size() + kBytesPerTag * tags;
+  if (tree == PageTree::kLinks)
+    needed = kPageCopies * page.size() + kBytesPerStackTag * tags + 2 * kBytesPerTag * links;
   uint64_t left = std::min(AddressSpaceLeft(), AvailableSystemMemory());
   if (needed > left)
     throw CommandError("the page needs about " + Megabytes(needed) + " MB of memory to read, " +

@@ -14,7 +14,6 @@
 #include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ShownText.h"
-#include "orvwebpage/OrvHttpRun.h"
 
 namespace {
 
@@ -78,7 +77,7 @@ SiteOutcome RunOne(const SiteRunner& runSite, const std::string& url, bool alone
   OrvHttpRun run;
   run.Bind();
   StopOnInterrupt stop([&run] { run.Stop(); });
-  return runSite(url, alone);
+  return runSite(url, alone, run);
 }
 
 // A site that could not be read, among others.

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "orvwebpage/OrvHttpRun.h"
+
 struct SiteBatch {
   std::vector<std::string> urls;  // as given
   std::string from;               // a file of URLs, one a line; "-": stdin
@@ -23,10 +25,10 @@ struct SiteOutcome {
   std::string error;  // why nothing could be read; empty when it could
 };
 
-// Runs one site on the calling thread, whose HTTP run is the site's own,
-// bound and fresh. alone: the only site, named as an argument, so it may
-// show progress on the terminal.
-using SiteRunner = std::function<SiteOutcome(const std::string& url, bool alone)>;
+// Runs one site on the calling thread. run is the site's own, fresh and
+// bound to that thread; Ctrl-C stops it. alone: the only site, named as an
+// argument, so it may show progress on the terminal.
+using SiteRunner = std::function<SiteOutcome(const std::string& url, bool alone, OrvHttpRun& run)>;
 
 // URL..., --from and --jobs. measured: "estimated"; measure: "estimate".
 void AddSiteBatchOptions(CLI::App* app, SiteBatch& batch, const std::string& measured,

@@ -264,7 +264,7 @@ Command AddSizeCommand(CLI::App& parent) {
   app->add_flag("--explain", o->explain,
                 "also print what the figure is made of: sitemaps, listings, shapes");
   return {app, [o] {
-            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone) {
+            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone, OrvHttpRun&) {
               return SizeSite(*o, url, alone);
             });
           }};

@@ -3,6 +3,7 @@
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvItem.h"
 #include "platform/html/OrvDocArena.h"
+#include "platform/html/OrvTreeBuilder.h"
 
 // Parses a page with the HTML parser and builds its var_item forest in arena.
 // Returns 0 and the first top-level item (null for a page without items), or
@@ -11,6 +12,8 @@
 // cutRawBodies false leaves every script and style body to the parser, which
 // gives the same tree more slowly; parses, if given, becomes the number of
 // times the parser ran (2 when cut bodies were not met where they were cut).
-int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
-                     OrvDocArena& arena, var_item*& root, bool cutRawBodies = true,
-                     int* parses = nullptr);
+// scope kLinks keeps only what links are read from (OrvTreeBuilder.h).
+[[nodiscard]] int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset,
+                                   const char* contentType, OrvDocArena& arena, var_item*& root,
+                                   bool cutRawBodies = true, int* parses = nullptr,
+                                   OrvTreeScope scope = OrvTreeScope::kWhole);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 
 namespace {
 
@@ -33,28 +34,38 @@ void PutCodePoint(char* out, size_t& o, uint32_t c) {
   }
 }
 
+// The converter is closed on every way out.
+struct Converter {
+  iconv_t cd;
+  explicit Converter(const char* name) : cd(iconv_open("UTF-8", name)) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (cd != iconv_t(-1)) iconv_close(cd);
+  }
+};
+
 }  // namespace
 
-char* OrvLegacyToUtf8(const char* converter, const unsigned char* in, size_t n, size_t maxOut,
-                      size_t& outLength) {
+OrvOwned<char> OrvLegacyToUtf8(const char* converter, const unsigned char* in, size_t n,
+                               size_t maxOut, size_t& outLength) {
   outLength = 0;
-  iconv_t cd = iconv_open("UTF-8", converter);
-  if (cd == iconv_t(-1)) return nullptr;
+  Converter conv(converter);
+  if (conv.cd == iconv_t(-1)) return nullptr;
   // Every byte gives at most one character of up to three bytes, or one
   // replacement; the rare four-byte character stands for four bytes.
   size_t capacity = 3 * n + 16;
-  char* out = static_cast<char*>(OrvAllocBytes(capacity));
+  OrvOwned<char> out = OrvAllocOwned<char>(capacity);
   size_t o = 0;
   auto* from = reinterpret_cast<char*>(const_cast<unsigned char*>(in));
   size_t left = n;
-  bool fits = true;
-  while (fits) {
-    char* to = out + o;
+  while (o <= maxOut) {
+    char* to = out.get() + o;
     size_t room = capacity - o;
-    size_t done =
-        left ? iconv(cd, &from, &left, &to, &room) : iconv(cd, nullptr, nullptr, &to, &room);
+    size_t done = left ? iconv(conv.cd, &from, &left, &to, &room)
+                       : iconv(conv.cd, nullptr, nullptr, &to, &room);
     int error = errno;
-    o = size_t(to - out);
+    o = size_t(to - out.get());
     if (done != size_t(-1)) {
       if (left == 0 && from) {
         from = nullptr;  // once more without input: the shift state is closed
@@ -62,26 +73,18 @@ char* OrvLegacyToUtf8(const char* converter, const unsigned char* in, size_t n, 
       }
       break;
     }
-    if (error == E2BIG) {
-      capacity = capacity * 2;
-      out = static_cast<char*>(OrvReallocBytes(out, capacity));
-    } else if (capacity - o < 3) {
-      capacity += 16;
-      out = static_cast<char*>(OrvReallocBytes(out, capacity));
+    if (error == E2BIG || capacity - o < 3) {
+      capacity = error == E2BIG ? capacity * 2 : capacity + 16;
+      out.reset(static_cast<char*>(OrvReallocBytes(out.release(), capacity)));
     } else if (error == EILSEQ) {
-      PutReplacement(out, o);
+      PutReplacement(out.get(), o);
       from++, left--;
     } else {  // a sequence the input ends inside of
-      PutReplacement(out, o);
+      PutReplacement(out.get(), o);
       from = nullptr, left = 0;
     }
-    fits = o <= maxOut;
   }
-  iconv_close(cd);
-  if (!fits || o > maxOut) {
-    OrvFreeBytes(out);
-    return nullptr;
-  }
+  if (o > maxOut) return nullptr;
   outLength = o;
   return out;
 }

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "platform/html/OrvPageCharset.h"
+#include "platform/html/OrvUtf8Scan.h"
 
 // The parser reads a page as Latin-1 and hands back UTF-8; this undoes that,
 // so every byte of the page comes back as itself. Characters above U+00FF

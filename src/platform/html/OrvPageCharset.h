@@ -1,8 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
 
 // How a page's bytes are to be decoded, decided the way browsers decide it:
 // a byte-order mark, else the charset of the HTTP Content-Type, else a meta
@@ -31,22 +29,5 @@ OrvPageCharset OrvDecidePageCharset(const char* text, size_t length, const char*
 // Strict UTF-8: no overlong forms, surrogates or code points past U+10FFFF.
 bool OrvIsValidUtf8(const unsigned char* text, size_t length);
 
-// Well-formed UTF-8 of text that should have been UTF-8: every ill-formed
-// sequence becomes one U+FFFD, as browsers decode it. out holds 3 * length.
-size_t OrvRepairUtf8(char* out, const unsigned char* in, size_t length);
-
-// Pages are mostly ASCII, so they are read eight bytes at a time while no
-// byte has its high bit set: true when the next eight (of left) are such.
-inline bool OrvIsAsciiWord(const unsigned char* p, size_t left) {
-  uint64_t word;
-  return left >= 8 && (std::memcpy(&word, p, 8), (word & 0x8080808080808080ull) == 0);
-}
-
+// Every byte below 0x80, so the bytes are their own UTF-8.
 bool OrvIsAscii(const unsigned char* text, size_t length);
-
-// UTF-8 of Latin-1 bytes. out holds 2 * length.
-size_t OrvLatin1ToUtf8(char* out, const unsigned char* in, size_t length);
-
-// UTF-8 of windows-1252 bytes; bytes the code page leaves undefined become the
-// C1 control of the same number, as browsers decode them. out holds 3 * length.
-size_t OrvWindows1252ToUtf8(char* out, const unsigned char* in, size_t length);

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "platform/html/OrvTagWalk.h"
 
 namespace {
@@ -33,33 +33,33 @@ size_t FindCuts(const char* p, size_t n, Cut* cuts, size_t capacity) {
 
 }  // namespace
 
-char* OrvTamePage(const char* text, size_t& length, bool mayBeWide) {
-  char* copy = nullptr;
+OrvOwned<char> OrvTamePage(const char* text, size_t& length, bool mayBeWide) {
+  OrvOwned<char> copy;
   const char* page = text;
   if (std::memchr(text, 0, length) &&
       !(mayBeWide && LooksWide(reinterpret_cast<const unsigned char*>(text), length))) {
-    copy = static_cast<char*>(OrvAllocBytes(length));
+    copy = OrvAllocOwned<char>(length);
     size_t kept = 0;
     for (size_t i = 0; i < length; i++) {
-      if (text[i] != '\0') copy[kept++] = text[i];
+      if (text[i] != '\0') copy.get()[kept++] = text[i];
     }
     length = kept;
-    page = copy;
+    page = copy.get();
   }
   Cut cuts[64];
   for (;;) {
     size_t found = FindCuts(page, length, cuts, 64);
     if (found == 0) break;
     if (!copy) {
-      copy = static_cast<char*>(OrvAllocBytes(length));
-      std::memcpy(copy, text, length);
-      page = copy;
+      copy = OrvAllocOwned<char>(length);
+      std::memcpy(copy.get(), text, length);
+      page = copy.get();
     }
     size_t stored = found < 64 ? found : 64;
     size_t out = cuts[0].from;
     for (size_t k = 0; k < stored; k++) {
       size_t keepEnd = k + 1 < stored ? cuts[k + 1].from : length;
-      std::memmove(copy + out, copy + cuts[k].to, keepEnd - cuts[k].to);
+      std::memmove(copy.get() + out, copy.get() + cuts[k].to, keepEnd - cuts[k].to);
       out += keepEnd - cuts[k].to;
     }
     length = out;

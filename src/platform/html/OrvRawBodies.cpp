@@ -24,7 +24,8 @@ bool IsPlainWord(const unsigned char* p) {
 
 }  // namespace
 
-char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_t& cutSize) {
+OrvOwned<char> OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies,
+                               size_t& cutSize) {
   size_t cut = 0;
   OrvWalkTags(page, size, OrvMaxAttributes, [&](const OrvTag& tag) {
     // Left to the parser: a tag or body the page ends in, a tag that may
@@ -38,7 +39,8 @@ char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_
   });
   if (bodies.list.empty()) return nullptr;
   cutSize = size - cut;
-  char* out = static_cast<char*>(OrvAllocBytes(cutSize));
+  OrvOwned<char> owned = OrvAllocOwned<char>(cutSize);
+  char* out = owned.get();
   size_t o = 0;
   size_t i = 0;
   for (const OrvRawBody& body : bodies.list) {
@@ -47,7 +49,7 @@ char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_
     i = body.to;
   }
   std::memcpy(out + o, page + i, size - i);
-  return out;
+  return owned;
 }
 
 bool OrvReadRawBody(const char* body, size_t n, OrvRawRunSink add, void* user,

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 
 // The parser reads the body of a script or style element a character at a
 // time, and such bodies are close to half the bytes of a common page. So they
@@ -26,8 +27,9 @@ struct OrvRawBodies {
 };
 
 // The page (well-formed UTF-8) without the bodies worth cutting, which are
-// listed in bodies; null when there are none. Free it with OrvFreeBytes.
-char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_t& cutSize);
+// listed in bodies; null when there are none.
+[[nodiscard]] OrvOwned<char> OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies,
+                                             size_t& cutSize);
 
 // What the parser's own reading of a body gives: its characters but those
 // that XML does not allow, as runs passed to add(run, length); and how many
@@ -35,5 +37,5 @@ char* OrvCutRawBodies(const char* page, size_t size, OrvRawBodies& bodies, size_
 // it reports as a mismatch. False for a body with a NUL byte, whose reading
 // this does not follow.
 typedef void (*OrvRawRunSink)(const char* run, size_t length, void* user);
-bool OrvReadRawBody(const char* body, size_t length, OrvRawRunSink add, void* user,
-                    uint64_t& strayEndTags);
+[[nodiscard]] bool OrvReadRawBody(const char* body, size_t length, OrvRawRunSink add, void* user,
+                                  uint64_t& strayEndTags);

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <libxml/HTMLparser.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "core/OrvMemory.h"
+#include "orvwebpage/OrvItem.h"
+#include "platform/html/OrvDocArena.h"
+#include "platform/html/OrvNameCache.h"
+#include "platform/html/OrvRawBodies.h"
+
+// What of the page the tree keeps.
+enum class OrvTreeScope {
+  kWhole,
+  // What links are read from: a, area and base elements with their href and
+  // alt attributes, and the texts inside an a element, each under its nearest
+  // kept ancestor, in document order.
+  kLinks,
+};
+
+// Builds the var_item forest in an arena from the parser's events, as they
+// come: the parser keeps no tree of its own.
+class OrvTreeBuilder {
+ public:
+  // keepBytes maps the parser's Latin-1 reading back to the page's bytes.
+  // bodies, when not null, lists the script and style bodies cut out of the
+  // page being parsed, which lie in uncut.
+  OrvTreeBuilder(OrvDocArena& arena, bool keepBytes, const char* uncut, OrvRawBodies* bodies,
+                 OrvTreeScope scope = OrvTreeScope::kWhole);
+  OrvTreeBuilder(const OrvTreeBuilder&) = delete;
+  OrvTreeBuilder& operator=(const OrvTreeBuilder&) = delete;
+
+  // Events of the parser whose context is ctxt and whose user data is this.
+  static htmlSAXHandler Handler();
+
+  htmlParserCtxtPtr ctxt = nullptr;
+  var_item* first = nullptr;
+  bool lost = false;  // a cut body was not met where it was cut: parse again
+
+  void StartElement(const char* name, const char** atts);
+  void EndElement();
+  void Characters(const char* chars, size_t count);
+  void OnError(const xmlError* error);
+  // Makes the text run so far an item, unless it is only ASCII whitespace.
+  void FlushText();
+
+ private:
+  void TakeRawBody(bool style);
+  void Lose();
+  var_item* NewItem();
+  var_attr* NewAttr(const char* name, const char* value);
+  void Append(var_item* item);
+  void PushLevel(var_item* item);
+  bool Keeps(const OrvCachedName& name) const;
+  bool KeepsAttr(const char* name) const;
+
+  OrvDocArena& arena;
+  bool keepBytes;
+  OrvNameCache tags;
+  OrvNameCache attrs;
+  var_item* current = nullptr;  // the open element; null at the top level
+  var_item* lastTop = nullptr;
+  // Last child of each open kept element, outermost first.
+  std::vector<var_item*, OrvAllocator<var_item*>> lastChild;
+  // Open elements not kept, above the top level and above each kept one: a
+  // page nested deep in elements not kept costs no memory per level.
+  std::vector<uint64_t, OrvAllocator<uint64_t>> dropped{0};
+  size_t openLinks = 0;  // open kept elements that are links
+  size_t runLength = 0;  // bytes of the text run gathered at the arena's cursor
+  uint64_t strayEndTagCost = 0;
+  const char* uncut;
+  OrvRawBodies* bodies;
+  OrvTreeScope scope;
+  const uint16_t kScript;
+  const uint16_t kStyle;
+};

@@ -1,0 +1,98 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "orvwebpage/OrvHtml.h"
+#include "orvwebpage/OrvLinkHtml.h"
+#include "orvwebpage/OrvPageLinks.h"
+#include "support/Cases.h"
+
+namespace {
+
+const std::string kPageUrl = "http://s.test/dir/page.html";
+
+// Each link as URL and label, then whether there was a base.
+std::vector<std::string> LinksOf(var_item* root) {
+  OrvPageLinks links;
+  links.Read(root, kPageUrl.data(), long(kPageUrl.size()));
+  std::vector<std::string> out;
+  OrvString url, label;
+  for (int i = 0; i < links.GetCount(); i++) {
+    links.Get(i, url, label);
+    out.emplace_back(url.buf ? url.buf : "", size_t(url.len));
+    out.emplace_back(label.buf ? label.buf : "", size_t(label.len));
+  }
+  out.push_back(links.HasBase() ? "(base)" : "(no base)");
+  return out;
+}
+
+// Items and attributes of a kind the link reader never reads, by name.
+std::vector<std::string> UnexpectedItems(var_item* root) {
+  std::vector<std::string> out;
+  WalkItems(
+      root, 1,
+      [](var_item* item, int32_t, void* user) {
+        auto* out = static_cast<std::vector<std::string>*>(user);
+        auto name = [](const char* text, int32_t length) {
+          return std::string(text ? text : "", size_t(MeasuredLen(text, length)));
+        };
+        std::string tag = name(item->name, item->name_len);
+        bool text = item->tag_id == 0 && item->text;
+        if (text ? !FindAncestor(item, ORV_TAG_LINK)
+                 : item->tag_id != ORV_TAG_LINK && tag != "area" && tag != "base")
+          out->push_back(tag);
+        for (var_attr* attr = item->attr_list; attr; attr = attr->next) {
+          std::string attrName = name(attr->name, attr->name_len);
+          if (attrName != "href" && attrName != "alt") out->push_back(tag + "@" + attrName);
+        }
+      },
+      &out);
+  return out;
+}
+
+void ExpectSameLinks(const std::string& what, const std::string& page) {
+  OrvHtml whole;
+  OrvLinkHtml lean;
+  std::string copy = page;
+  ASSERT_EQ(whole.Open(copy.data(), long(copy.size()), ORV_CHARSET_UTF8), 0) << what;
+  ASSERT_EQ(lean.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8), 0) << what;
+  EXPECT_EQ(LinksOf(lean.root), LinksOf(whole.root)) << what;
+  EXPECT_EQ(UnexpectedItems(lean.root), std::vector<std::string>()) << what;
+}
+
+TEST(OrvLinkHtml, ReadsTheLinksOfTheWholeTree) {
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/pagelinks/linkhtml.tsv", 2, true))
+    ExpectSameLinks(c[0], c[1]);
+  for (const auto& c : ReadCases(ORV_CASES_DIR "/pagelinks/pages.tsv", 3, true))
+    ExpectSameLinks(c[1], c[1]);
+  int pages = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(ORV_DATA_DIR "/pages")) {
+    std::ifstream in(entry.path(), std::ios::binary);
+    std::stringstream page;
+    page << in.rdbuf();
+    ExpectSameLinks(entry.path().filename().string(), page.str());
+    pages++;
+  }
+  EXPECT_GT(pages, 0);
+}
+
+TEST(OrvLinkHtml, DeepNestingCostsNoItems) {
+  std::string page;
+  for (int i = 0; i < 1000000; i++) page += "<div>";
+  page += "<a href=deep>in</a><div>";
+  OrvLinkHtml lean;
+  ASSERT_EQ(lean.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8), 0);
+  ASSERT_NE(lean.root, nullptr);
+  EXPECT_EQ(lean.root->tag_id, ORV_TAG_LINK);
+  EXPECT_EQ(lean.root->next, nullptr);
+  ASSERT_NE(lean.root->child, nullptr);
+  EXPECT_EQ(std::string(lean.root->child->text), "in");
+  EXPECT_EQ(lean.Close(), 0);
+  EXPECT_EQ(lean.root, nullptr);
+}
+
+}  // namespace
