@@ -52,13 +52,15 @@ esac
 printf '%-32s %12s %14s %10s\n' "run ($links links)" "peak MB" "bytes/link" "/ classify"
 lift=
 "$tool" estimate --help 2>/dev/null | grep -q -- --max-memory && lift=" --deadline 0 --max-memory 0"
-for run in "estimate --max-requests 1$lift" "links --html" "nodes"; do
+# robots.txt would spend the one request the page needs.
+for run in "estimate --ignore-robots --max-requests 1$lift" "links --html" "nodes"; do
   # shellcheck disable=SC2086
   kb=$(peak_kb "$tool" $run "$url" || true)
   [[ $kb =~ ^[0-9]+$ ]] || { echo "$run: failed" >&2; continue; }
   bytes=$(per_link "$kb")
   ratio=$(awk -v b="$bytes" -v c="${classify:-0}" 'BEGIN { if (c > 0) printf "%.1f", b / c; else print "-" }')
-  printf '%-32s %12.0f %14s %10s\n' "${run%% --deadline*}" "$((kb / 1024))" "$bytes" "$ratio"
+  label=${run/--ignore-robots /}
+  printf '%-32s %12.0f %14s %10s\n' "${label%% --deadline*}" "$((kb / 1024))" "$bytes" "$ratio"
 done
 printf '%-32s %12s %14s\n' "link classification (bench)" "" "${classify:-?}"
 

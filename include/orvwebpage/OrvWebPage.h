@@ -1,6 +1,7 @@
 #pragma once
 
 // Everything a user of the library needs.
+#include "orvwebpage/OrvBlockTextWalk.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvExport.h"
 #include "orvwebpage/OrvHtml.h"

@@ -17,6 +17,8 @@
 #include "Bindings.h"
 #include "EstimateExplain.h"
 #include "PyText.h"
+#include "RunLimits.h"
+#include "RunWatch.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttpRun.h"
@@ -46,15 +48,29 @@ int32_t Milliseconds(const std::optional<double>& seconds, const char* what, boo
 
 OrvHttpSettings MakeHttpSettings(std::optional<int64_t> maxRequests, std::optional<double> timeout,
                                  std::optional<double> deadline, std::optional<double> delay,
-                                 const std::optional<std::string>& userAgent, bool obeyRobots) {
+                                 const std::optional<std::string>& userAgent, bool obeyRobots,
+                                 const py::object& maxMemory) {
   OrvHttpSettings settings;
   settings.obeyRobots = obeyRobots ? 1 : 0;
-  if (maxRequests) {
-    if (*maxRequests < 1) throw py::value_error("max_requests must be at least 1");
-    settings.maxRequests = *maxRequests;
-  }
+  if (maxRequests && *maxRequests < 0)
+    throw py::value_error("max_requests must be 0 (no budget) or more");
+  settings.maxRequests = maxRequests ? *maxRequests : kDefaultMaxRequests;
   if (timeout) settings.requestTimeoutMs = Milliseconds(timeout, "timeout", false);
-  settings.deadlineMs = Milliseconds(deadline, "deadline", false);
+  settings.deadlineMs =
+      Milliseconds(deadline ? *deadline : kDefaultDeadlineSeconds, "deadline", true);
+  settings.maxHeldBytes = kDefaultMaxMemory;
+  if (py::isinstance<py::str>(maxMemory)) {
+    std::string text = maxMemory.cast<std::string>();
+    if (!ParseByteSize(text, settings.maxHeldBytes))
+      throw py::value_error("max_memory must be bytes or a size such as \"512M\" or \"2G\": " +
+                            text);
+  } else if (py::isinstance<py::int_>(maxMemory) && !py::isinstance<py::bool_>(maxMemory)) {
+    settings.maxHeldBytes = maxMemory.cast<int64_t>();
+    if (settings.maxHeldBytes < 0)
+      throw py::value_error("max_memory must be 0 (no budget) or more");
+  } else if (!maxMemory.is_none()) {
+    throw py::type_error("max_memory must be an int of bytes or a text such as \"512M\"");
+  }
   settings.delayMs = Milliseconds(delay, "delay", true);
   if (userAgent) {
     if (userAgent->size() >= sizeof settings.userAgent)
@@ -84,6 +100,14 @@ std::string HostPatterns(const py::object& hosts) {
   return joined;
 }
 
+PyObject* NewReasonText(const std::string& reason) {
+  if (reason.empty()) {
+    Py_INCREF(Py_None);
+    return Py_None;
+  }
+  return PyUnicode_FromString(reason.c_str());
+}
+
 namespace {
 
 // What the worker and the waiting caller share; the worker may outlive
@@ -103,6 +127,8 @@ struct Crawl {
   int64_t exact = 0;  // the same sum in 64 bits: where it differs, the estimate wrapped
   int64_t requests = 0, bytes = 0;
   double seconds = 0;
+  std::string reason;  // the limit that cut the crawl, or empty
+  std::chrono::steady_clock::time_point start;
 
   void Run() {
     httpRun.Bind();
@@ -111,13 +137,20 @@ struct Crawl {
       hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
       if (!stopRequested && !hostsRefused) {
         OrvHttpLimits::ResetCounters();
+        start = std::chrono::steady_clock::now();
         OrvHttpLimits::Set(settings);  // starts the deadline's clock
         started = true;
       }
     }
     if (started) {
-      auto start = std::chrono::steady_clock::now();
-      estimate = estimator.EstimateCount(url.data(), long(url.size()));
+      {
+        RunWatch watch(start, double(settings.deadlineMs) / 1000, settings.maxHeldBytes, [this] {
+          estimator.StopEstimating();
+          httpRun.Stop();
+        });
+        estimate = estimator.EstimateCount(url.data(), long(url.size()));
+        reason = LimitReason(watch.Reason());
+      }
       exact = OrvExactEstimate(estimator);
       seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
       requests = OrvHttpLimits::GetRequests();
@@ -207,14 +240,15 @@ py::list Listings(const Explanation& explanation) {
 py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                     std::optional<double> timeout, std::optional<double> deadline,
                     std::optional<double> delay, const std::optional<std::string>& userAgent,
-                    const py::object& stop, bool obeyRobots, const py::object& hosts,
-                    bool explain) {
+                    const py::object& stop, bool obeyRobots, const py::object& hosts, bool explain,
+                    const py::object& maxMemory) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
-  crawl->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
+  crawl->settings =
+      MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots, maxMemory);
   crawl->hosts = HostPatterns(hosts);
   crawl->explain = explain;
 
@@ -260,6 +294,10 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
   PyStructSequence_SET_ITEM(result, 6,
                             explain ? Listings(crawl->explanation).release().ptr() : NoneRef());
   PyStructSequence_SET_ITEM(result, 7, PyBool_FromLong(crawl->exact != crawl->estimate));
+  // A stop event's crawl is told by stopped.
+  std::string reason = stopped ? "" : crawl->reason;
+  PyStructSequence_SET_ITEM(result, 8, PyBool_FromLong(!reason.empty()));
+  PyStructSequence_SET_ITEM(result, 9, NewReasonText(reason));
   return py::reinterpret_steal<py::object>(result);
 }
 
@@ -270,8 +308,11 @@ void AddEstimate(py::module_& m) {
       m, "EstimateResult",
       "(estimate, requests); also bytes (body bytes read), seconds, stopped (by the stop event), "
       "shapes and listings (with explain=True, else None), wrapped (the estimate wrapped around "
-      "in its 32-bit arithmetic)",
-      {"estimate", "requests", "bytes", "seconds", "stopped", "shapes", "listings", "wrapped"}, 2);
+      "in its 32-bit arithmetic), partial (a limit ended the crawl) and reason (\"request "
+      "budget\", \"deadline\" or \"memory budget\", else None)",
+      {"estimate", "requests", "bytes", "seconds", "stopped", "shapes", "listings", "wrapped",
+       "partial", "reason"},
+      2);
   shapeType =
       NewRecordType(m, "EstimateShape", "One URL shape of an estimate, largest first",
                     {"key", "kind", "read", "estimate", "sightings", "pages", "url", "listing"});
@@ -284,14 +325,19 @@ void AddEstimate(py::module_& m) {
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
         py::arg("stop") = py::none(), py::arg("obey_robots") = true, py::arg("hosts") = py::none(),
-        py::arg("explain") = false,
+        py::arg("explain") = false, py::arg("max_memory") = py::none(),
         R"(Estimates how many pages the site at url holds by crawling it.
 
 Returns EstimateResult(estimate, requests); estimate 0 when nothing could be read.
-max_requests: request budget; timeout: seconds per request (default 30);
-deadline: seconds for the whole run; delay: seconds between two requests;
-user_agent: the User-Agent header; stop: a threading.Event that ends the crawl
-early when set. Ctrl-C ends it too and raises KeyboardInterrupt.
+max_requests: request budget (default 10000, 0 for none); timeout: seconds per
+request (default 30); deadline: seconds for the whole run, the page in hand
+included (default 3600, 0 for none); max_memory: bytes, or a text such as
+"512M", the library may hold before the crawl stops (default "2G", 0 for none).
+The defaults are far above what a site of a few thousand pages needs, and an
+end to one that never ends; result.partial and result.reason tell a crawl that
+a limit ended. delay: seconds between two requests; user_agent: the User-Agent
+header; stop: a threading.Event that ends the crawl early when set. Ctrl-C
+ends it too and raises KeyboardInterrupt.
 obey_robots: read each origin's robots.txt (one request, counted) and fetch
 nothing it refuses; False turns that off.
 hosts: the only hosts requests may go to, e.g. ["site.test", "*.site.test:8080"]

@@ -7,6 +7,7 @@
 #include "Bindings.h"
 #include "PyPage.h"
 #include "PyText.h"
+#include "orvwebpage/OrvBlockTextWalk.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
 
@@ -22,6 +23,18 @@ struct TextClass {
   std::vector<Piece> texts;
 };
 
+// Texts stay pieces of the open document until they become Python objects.
+class ClassPieces : public OrvBlockTextSink {
+ public:
+  std::vector<TextClass> classes;
+  void OnClass(const char* path, int32_t length) override {
+    classes.emplace_back().path.assign(path, size_t(length));
+  }
+  void OnText(const char* text, int32_t length) override {
+    classes.back().texts.emplace_back(text, length);
+  }
+};
+
 // The classes as texts of the kind the charset asks for, and whether those
 // are bytes; the last class is the page.
 std::pair<std::vector<py::list>, std::vector<py::object>> ReadClasses(const py::object& page,
@@ -32,24 +45,15 @@ std::pair<std::vector<py::list>, std::vector<py::object>> ReadClasses(const py::
   std::string& text = parse.text;
   OrvHtml doc;
   OrvVisibleBlocks blocks;
-  std::vector<TextClass> classes;
+  ClassPieces pieces;
   {
     py::gil_scoped_release released;
     if (doc.Open(text.data(), long(text.size()), parse.charset) == 0) {
       blocks.Read(doc.root);
-      OrvString path;
-      for (int c = 0; c < blocks.GetClassCount(); c++) {
-        TextClass& out = classes.emplace_back();
-        blocks.GetPath(c, path);
-        out.path.assign(path.buf, size_t(path.len));
-        for (int i = 0; i < blocks.GetTextCount(c); i++) {
-          const char* piece = nullptr;
-          int32_t length = 0;
-          if (blocks.GetText(c, i, piece, length)) out.texts.emplace_back(piece, length);
-        }
-      }
+      OrvWalkBlockTexts(blocks, pieces);
     }
   }
+  const std::vector<TextClass>& classes = pieces.classes;
   std::pair<std::vector<py::list>, std::vector<py::object>> out;
   for (const TextClass& c : classes) {
     py::list list(c.texts.size());

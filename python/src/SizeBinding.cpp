@@ -14,6 +14,8 @@
 
 #include "Bindings.h"
 #include "PyText.h"
+#include "RunLimits.h"
+#include "RunWatch.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvSiteSize.h"
@@ -40,6 +42,8 @@ struct Sizing {
   std::condition_variable finished;
   bool started = false, done = false, stopRequested = false, hostsRefused = false;
   double seconds = 0;
+  std::string reason;  // the limit that cut the measure, or empty
+  std::chrono::steady_clock::time_point start;
 
   void Run() {
     httpRun.Bind();
@@ -48,13 +52,22 @@ struct Sizing {
       hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
       if (!stopRequested && !hostsRefused) {
         OrvHttpLimits::ResetCounters();
+        start = std::chrono::steady_clock::now();
         OrvHttpLimits::Set(settings);
         started = true;
       }
     }
     if (started) {
-      auto start = std::chrono::steady_clock::now();
-      size.Measure(url.data(), long(url.size()), maxRequests);
+      {
+        RunWatch watch(start, double(settings.deadlineMs) / 1000, settings.maxHeldBytes, [this] {
+          size.Stop();
+          httpRun.Stop();
+        });
+        size.Measure(url.data(), long(url.size()), maxRequests);
+        reason = LimitReason(watch.Reason());
+      }
+      // The request budget is the plan of the measure, which spends it by design.
+      if (reason == "request budget") reason.clear();
       seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     }
     httpRun.Unbind();
@@ -117,7 +130,7 @@ py::dict Explanation(const OrvSiteSize& size) {
 py::object Size(const py::object& url, int64_t maxRequests, std::optional<double> timeout,
                 std::optional<double> deadline, std::optional<double> delay,
                 const std::optional<std::string>& userAgent, const py::object& stop,
-                bool obeyRobots, const py::object& hosts) {
+                bool obeyRobots, const py::object& hosts, const py::object& maxMemory) {
   TextView view = ViewTextOrThrow(url, "url");
   if (!stop.is_none() && !py::hasattr(stop, "is_set"))
     throw py::type_error("stop must be a threading.Event or another object with is_set()");
@@ -125,7 +138,8 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   auto sizing = std::make_shared<Sizing>();
   sizing->url.assign(view.data, size_t(view.size));
   sizing->maxRequests = maxRequests;
-  sizing->settings = MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots);
+  sizing->settings =
+      MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots, maxMemory);
   sizing->hosts = HostPatterns(hosts);
 
   std::thread worker([sizing] { sizing->Run(); });
@@ -167,18 +181,21 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
                  py::arg("requests") = s.CrawlRequests());
   py::dict exact(py::arg("pages") = s.ExactPages(), py::arg("requests") = s.ExactRequests(),
                  py::arg("wrapped") = s.ExactWrapped() != 0);
-  py::object fields[] = {py::int_(s.Pages()),
-                         py::int_(s.Low()),
-                         py::int_(s.High()),
-                         py::str(OrvSiteSize::SourceName(s.Source())),
-                         py::int_(s.Requests()),
-                         py::float_(sizing->seconds),
-                         Str(s.Reason()),
-                         sitemap,
-                         crawl,
-                         exact,
-                         Explanation(s),
-                         py::bool_(stopped)};
+  py::object fields[] = {
+      py::int_(s.Pages()),
+      py::int_(s.Low()),
+      py::int_(s.High()),
+      py::str(OrvSiteSize::SourceName(s.Source())),
+      py::int_(s.Requests()),
+      py::float_(sizing->seconds),
+      Str(s.Reason()),
+      sitemap,
+      crawl,
+      exact,
+      Explanation(s),
+      py::bool_(stopped),
+      py::bool_(!stopped && !sizing->reason.empty()),
+      py::reinterpret_steal<py::object>(NewReasonText(stopped ? "" : sizing->reason))};
   PyObject* result = PyStructSequence_New(resultType);
   if (!result) throw py::error_already_set();
   for (size_t i = 0; i < std::size(fields); ++i)
@@ -189,23 +206,27 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
 }  // namespace
 
 void AddSize(py::module_& m) {
-  resultType = NewRecordType(m, "SizeResult",
-                             "(pages, low, high, source); also requests, seconds, why, sitemap, "
-                             "crawl, exact (each source's figures), explanation, stopped",
-                             {"pages", "low", "high", "source", "requests", "seconds", "why",
-                              "sitemap", "crawl", "exact", "explanation", "stopped"},
-                             4);
+  resultType =
+      NewRecordType(m, "SizeResult",
+                    "(pages, low, high, source); also requests, seconds, why, sitemap, "
+                    "crawl, exact (each source's figures), explanation, stopped, partial "
+                    "and reason (\"deadline\" or \"memory budget\", else None)",
+                    {"pages", "low", "high", "source", "requests", "seconds", "why", "sitemap",
+                     "crawl", "exact", "explanation", "stopped", "partial", "reason"},
+                    4);
   m.def("size", &Size, py::arg("url"), py::arg("max_requests") = 60,
         py::arg("timeout") = py::none(), py::arg("deadline") = py::none(),
         py::arg("delay") = py::none(), py::arg("user_agent") = py::none(),
         py::arg("stop") = py::none(), py::arg("obey_robots") = true, py::arg("hosts") = py::none(),
+        py::arg("max_memory") = py::none(),
         R"(How many pages the site at url holds: its sitemaps, a crawl of its listings
 and the exact estimate, combined into one figure with its source and range.
 
 Returns SizeResult(pages, low, high, source); source is "sitemap", "crawl",
 "exact", or "none" when nothing could be read. max_requests: the whole run's
-request budget (60); robots.txt is obeyed unless obey_robots is False; hosts
-and the other arguments as for estimate(). Runs without the
+request budget (60), the plan of the measure rather than a limit; robots.txt
+is obeyed unless obey_robots is False; hosts and the other arguments as for
+estimate(), deadline and max_memory with its defaults. Runs without the
 GIL, on HTTP limits and counters of its own.)");
 }
 

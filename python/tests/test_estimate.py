@@ -38,14 +38,22 @@ def test_two_threads_at_once_each_get_their_own_count(sample_site):
     assert got == want
 
 
-@pytest.mark.parametrize("limits,want_requests", [
-    ({"max_requests": 2}, 2),
-    ({"max_requests": 1, "user_agent": "py-test/1"}, 1),
+# None takes the defaults, which leave this site whole; 0 lifts a limit.
+@pytest.mark.parametrize("limits,want_requests,reason", [
+    ({"max_requests": 2}, 2, "request budget"),
+    ({"max_requests": 1, "user_agent": "py-test/1"}, 1, "request budget"),
+    ({"max_memory": 1}, 0, "memory budget"),
+    ({"max_memory": "1K", "max_requests": 0}, 0, "memory budget"),
+    ({}, None, None),
+    ({"max_requests": 0, "deadline": 0, "max_memory": 0}, None, None),
+    ({"max_requests": None, "deadline": None, "max_memory": "2G"}, None, None),
 ])
-def test_limits_bind(sample_site, limits, want_requests):
+def test_limits_bind(sample_site, limits, want_requests, reason):
     site = sample_site("--profile", "mixed", "--pages", "2000")
     result = orvwebpage.estimate(site.url, **limits)
-    assert result.requests == want_requests == len(site.log_lines())
+    assert result.requests == len(site.log_lines())
+    assert want_requests is None or result.requests == want_requests
+    assert (result.partial, result.reason) == (reason is not None, reason)
 
 
 # A slow crawl (19 requests 0.2 s apart) ends soon after a stop; the event's
@@ -174,9 +182,13 @@ def test_explanation_and_hosts_equal_the_tools(sample_site, profile):
     ({"url": 5}, TypeError),
     ({"url": "http://127.0.0.1:1/", "timeout": "slow"}, TypeError),
     ({"url": "http://127.0.0.1:1/", "stop": True}, TypeError),
-    ({"url": "http://127.0.0.1:1/", "max_requests": 0}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "max_requests": -1}, ValueError),
     ({"url": "http://127.0.0.1:1/", "timeout": 0}, ValueError),
-    ({"url": "http://127.0.0.1:1/", "deadline": 0}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "deadline": -1}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "max_memory": "lots"}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "max_memory": "2X"}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "max_memory": -5}, ValueError),
+    ({"url": "http://127.0.0.1:1/", "max_memory": 1.5}, TypeError),
     ({"url": "http://127.0.0.1:1/", "deadline": float("nan")}, ValueError),
     ({"url": "http://127.0.0.1:1/", "delay": -1}, ValueError),
     ({"url": "http://127.0.0.1:1/", "user_agent": "a\nb"}, ValueError),

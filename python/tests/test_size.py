@@ -1,6 +1,7 @@
 import json
 import subprocess
 import threading
+import time
 
 import orvwebpage
 import pytest
@@ -36,6 +37,20 @@ def test_budget_and_stop(sample_site):
     assert result.stopped and result.requests < 20
     with pytest.raises(ValueError):
         orvwebpage.size(site.url, max_requests=0)
+
+
+# The deadline and the memory budget end a measure and say so; 0 lifts them.
+@pytest.mark.parametrize("limits,reason", [
+    ({"deadline": 0.3, "delay": 0.1}, "deadline"),
+    ({"max_memory": 1}, "memory budget"),
+    ({"deadline": 0, "max_memory": 0}, None),
+])
+def test_limits_say_why(sample_site, limits, reason):
+    site = sample_site("--profile", "mixed", "--pages", "2000")
+    start = time.monotonic()
+    result = orvwebpage.size(site.url, **limits)
+    assert (result.partial, result.reason) == (reason is not None, reason)
+    assert reason != "deadline" or time.monotonic() - start < 1.5
 
 
 # hosts confine the run as the tool's --hosts does; a malformed pattern is refused.

@@ -6,7 +6,7 @@
 #include <emmintrin.h>
 #endif
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 
 // Where a few chosen bytes occur in a text, one bit per text byte and chosen
 // byte, taken in one pass. Searches for the first or last of them in a range
@@ -21,13 +21,9 @@ class OrvByteMasks {
     if (n < 0) n = 0;
     // In 64 bits: texts of nearly 2^31 bytes would wrap the word count.
     words = n > 0 ? int32_t((int64_t(n) + 63) / 64) : 1;
-    bits = words <= kLocalWords
-               ? local
-               : static_cast<uint64_t*>(OrvAllocBytes(sizeof(uint64_t) * size_t(words) * Kinds));
+    if (words > kLocalWords) heap = OrvAllocOwned<uint64_t[]>(size_t(words) * Kinds);
+    bits = heap ? heap.get() : local;
     Fill(text, n, readable < n ? n : readable, wanted);
-  }
-  ~OrvByteMasks() {
-    if (bits != local) OrvFreeBytes(bits);
   }
   OrvByteMasks(const OrvByteMasks&) = delete;
   OrvByteMasks& operator=(const OrvByteMasks&) = delete;
@@ -60,6 +56,7 @@ class OrvByteMasks {
   static constexpr int32_t kLocalWords = 4;  // texts up to 256 bytes need no allocation
   int32_t words;
   uint64_t* bits;
+  OrvOwned<uint64_t[]> heap;  // empty while local holds the bits
   uint64_t local[kLocalWords * Kinds];
 
   // Bits below position k of a word, k in 1..64.

@@ -86,4 +86,11 @@ struct OrvGrowArray {
   T* AddSlot() { return OrvGrowAddSlot(items, count, capacity); }
   T* AddSlots(int32_t n) { return OrvGrowAddSlots(items, count, capacity, n); }
   int RemoveSlot(int32_t index) { return OrvGrowRemoveSlot(items, count, index); }
+  // Gives the memory back: the array is empty and all-zero again.
+  void Release() {
+    OrvDeleteArray(items);
+    items = nullptr;
+    count = 0;
+    capacity = 0;
+  }
 };

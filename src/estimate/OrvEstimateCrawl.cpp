@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/OrvBlockPool.h"
+#include "core/OrvMemory.h"
 #include "core/OrvPtrList.h"
 #include "core/OrvStrMap.h"
 #include "estimate/OrvPageQueue.h"
@@ -35,6 +36,28 @@ struct PageRecords {
   void Free(OrvPageRecord* record) { released.Add(record); }
 };
 
+// The document of the page in hand. Closing it keeps the tree's memory for
+// the next page; a big page's would sit idle beside its URLs and the queue
+// they fill, so after one the document goes whole.
+struct PageDocument {
+  static constexpr int32_t kBigPage = 1 << 20;  // bytes of the page
+  OrvHtml* html = OrvNew<OrvHtml>();
+  int32_t pageBytes = 0;
+
+  PageDocument() = default;
+  PageDocument(const PageDocument&) = delete;
+  PageDocument& operator=(const PageDocument&) = delete;
+  ~PageDocument() { OrvDelete(html); }
+
+  void Close() {
+    html->Close();
+    if (pageBytes < kBigPage) return;
+    OrvDelete(html);
+    html = OrvNew<OrvHtml>();
+    pageBytes = 0;
+  }
+};
+
 // What one EstimateCount owns while it runs, destroyed in the reverse order.
 struct Crawl {
   OrvHttp client;
@@ -42,7 +65,7 @@ struct Crawl {
   OrvPageQueue queue;
   PageRecords records;
   OrvStrMap<OrvPageRecord*> shapes;  // parameter-name key to the record heading the shape
-  OrvHtml document;
+  PageDocument document;
 };
 
 // The record becomes the head of its shape, or adds a sighting to the head
@@ -64,7 +87,11 @@ bool IsNewShape(Crawl& crawl, OrvPageRecord* record) {
 bool FetchAndOpen(Crawl& crawl, const OrvPageRecord& record) {
   if (crawl.client.Run(record.url.buf, record.url.len, ORV_HTTP_METHOD(0)) != 0) return false;
   crawl.client.GetBody(crawl.body);
-  return crawl.document.Open(crawl.body.buf, crawl.body.len, ORV_CHARSET(0)) == 0;
+  crawl.document.pageBytes = crawl.body.len;
+  int opened = crawl.document.html->Open(crawl.body.buf, crawl.body.len, ORV_CHARSET(0));
+  // The tree holds copies of the texts it needs.
+  crawl.body = OrvString();
+  return opened == 0;
 }
 
 // Harvests and analyses the open page, settles what its record is, and
@@ -73,7 +100,11 @@ void ReadPage(OrvWebPageCountEstimateImpl& estimator, Crawl& crawl, OrvPageRecor
   OrvHarvestWalk walk;
   walk.go = 1;
   walk.harvest = &estimator;
-  walk.HarvestPage(crawl.document.root, 1);
+  walk.HarvestPage(crawl.document.html->root, 1);
+  // The runs are the last to read the tree; it goes before the analysis
+  // holds the page's URLs and the queue grows.
+  estimator.DetectRuns();
+  crawl.document.Close();
   estimator.AnalysePage();
   record->sightings = 1;
   record->estimate = estimator.pageEstimate;
@@ -124,6 +155,8 @@ long OrvWebPageCountEstimateImpl::EstimateCount(const char* url, long length) {
   phase.store(ORV_ESTIMATE_CRAWLING, std::memory_order_relaxed);
 
   SetEntryUrl(entry);
+  allNumbers = 0;
+  allLinks = 0;
   OrvPageRecord* first = crawl.records.New();
   first->url = entryUrl.url;
   OrvWebPageUrl::GetParamNames(first->key, entryUrl);

@@ -1,21 +1,9 @@
 #include "estimate/OrvEstimateExplanation.h"
 
-namespace {
-
-template <class T>
-void FreeArray(OrvGrowArray<T>& array) {
-  OrvDeleteArray(array.items);
-  array.items = nullptr;
-  array.count = 0;
-  array.capacity = 0;
-}
-
-}  // namespace
-
 void OrvEstimateExplanation::Clear() {
-  FreeArray(shapes);
-  FreeArray(listings);
-  FreeArray(probes);
+  shapes.Release();
+  listings.Release();
+  probes.Release();
 }
 
 int32_t OrvEstimateExplanation::AddListing(const OrvPageTemplate& pageTemplate, int32_t urlCount) {

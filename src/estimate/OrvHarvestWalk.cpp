@@ -33,12 +33,6 @@ var_item_pos LinkAbove(var_item* item, int32_t depth, const Above& above) {
   return FindAncestorPos(var_item_pos{item, depth}, ORV_TAG_LINK);
 }
 
-// Copies a link target attribute into the URL text; a null value is empty.
-void CopyTarget(OrvWebPageUrl& url, const var_attr* target) {
-  const char* value = target->value;
-  url.url.CopyBuf(value, value ? MeasuredLen(value, target->value_len) : 0);
-}
-
 // A run of text that states a number inside a link with a target becomes a
 // number link, whatever its target is.
 bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth, const var_item_pos& link) {
@@ -47,42 +41,41 @@ bool NumberStep(OrvPageHarvest& h, var_item* item, int32_t depth, const var_item
   if (!link.item) return false;
   var_attr* target = FindLinkAttr(link.item->attr_list);
   if (!target) return false;
-  OrvNumberLink* record = h.numbers.records.Alloc();
+  OrvNumberLink* record = h.allNumbers ? h.numbers.records.Alloc() : h.NewNumber();
   record->number = int32_t(OrvAtoInt(item->text, item->text_len));
   record->textNode = item;
   record->textDepth = depth;
   record->link.item = link.item;
   record->link.depth = link.depth;
-  CopyTarget(record->link, target);
-  record->link.Parse(1);
-  h.CompleteUrl(record->link);
   OrvFormatDepth(h.scratchKey, depth);
-  h.numbers.Add(h.scratchKey, record);
+  if (h.allNumbers)
+    h.numbers.Add(h.scratchKey, record);
+  else
+    h.AddNumber(h.scratchKey, record);
   return true;
 }
 
 // A link the crawl may follow: on the site, of a listed extension or none,
-// and not yet listed on this page. A refused cell goes back to the pool.
+// and not yet listed on this page.
 void LinkStep(OrvPageHarvest& h, var_item* item, int32_t depth) {
   if (item->tag_id != ORV_TAG_LINK) return;
   var_attr* target = FindLinkAttr(item->attr_list);
   if (!target) return;
-  OrvLinkRecord* record = h.links.records.Alloc();
-  CopyTarget(*record, target);
-  record->Parse(1);
-  record->item = item;
-  record->depth = depth;
-  bool keep = !record->host.CapsIsEqual("javascript", 10) &&
-              (record->ext.len < 1 || HasListedExtension(*record, h.extensions));
+  OrvLinkRecord& link = h.parsedLink;
+  OrvCopyTarget(link, target);
+  link.Parse(1);
+  link.item = item;
+  link.depth = depth;
+  bool keep = !link.host.CapsIsEqual("javascript", 10) &&
+              (link.ext.len < 1 || HasListedExtension(link, h.extensions));
   if (keep) {
-    h.CompleteUrl(*record);
-    keep = record->host.Find(h.siteDomain.buf, h.siteDomain.len, 0) >= 0;
+    h.CompleteUrl(link);
+    keep = link.host.Find(h.siteDomain.buf, h.siteDomain.len, 0) >= 0;
   }
   if (keep) {
-    OrvWebPageUrl::GetParamNames(h.scratchKey, *record);
-    keep = h.AddLink(record);
+    OrvWebPageUrl::GetParamNames(h.scratchKey, link);
+    h.AddLink(link);
   }
-  if (!keep) h.links.records.Free(record);
 }
 
 // Visible text outside any link, counted by depth.

@@ -61,6 +61,7 @@ int32_t OrvWebPageCountEstimateImpl::FindLastPage(const OrvPageTemplate& pageTem
   if (pageTemplate.paramIndex < 0) return -1;
   ListingProber prober;
   prober.harvest.SetEntry(entryUrl.url);
+  prober.harvest.allNumbers = 0;
 
   int32_t page = kFirstProbe;
   int32_t upper = kFirstProbe;

@@ -12,13 +12,17 @@ constexpr double kLongTextMean = 70.0;
 
 void OrvWebPageCountEstimateImpl::AnalysePage() {
   pageListing = -1;
-  DetectRuns();
-  PruneTextDepths();
-  CollectPageUrls();
   OrvPageTemplate pageTemplate;
   for (uint32_t e = 0; e < runs.map.count; e++) {
     if (BuildPageTemplate(pageTemplate, **runs.map.GetAt(e)) >= 0) break;
   }
+  // The template is a copy, and pageUrls copies the texts of the links: what
+  // the walk gathered goes before the last-page search and the queue grow.
+  ResetNumbers();
+  ListHeldLinks();
+  PruneTextDepths();
+  CollectPageUrls();
+  ResetLinks();
   if (pageTemplate.paramIndex < 0) {
     pageEstimate = 1;
     return;
@@ -55,6 +59,10 @@ void OrvWebPageCountEstimateImpl::PruneTextDepths() {
 // The distinct crawlable URLs of the page; a URL keeps the parameter-name key
 // of its first record.
 void OrvWebPageCountEstimateImpl::CollectPageUrls() {
+  if (!allLinks) {
+    CollectLinkTexts();
+    return;
+  }
   for (uint32_t e = 0; e < links.map.count; e++) {
     const char* key = nullptr;
     int32_t keyLen = 0;
@@ -64,6 +72,23 @@ void OrvWebPageCountEstimateImpl::CollectPageUrls() {
       int found = 0;
       OrvString** value =
           pageUrls.Insert(record->url.buf ? record->url.buf : "", record->url.len, &found);
+      if (found) continue;
+      OrvString* keyString = keyStrings.Alloc();
+      keyString->CopyBuf(key, keyLen);
+      *value = keyString;
+    }
+  }
+}
+
+void OrvWebPageCountEstimateImpl::CollectLinkTexts() {
+  for (uint32_t e = 0; e < linkTexts.chains.count; e++) {
+    const char* key = nullptr;
+    int32_t keyLen = 0;
+    const OrvLinkTexts::Chain* chain = linkTexts.chains.GetAt(e, &key, &keyLen);
+    for (int32_t i = chain->first; i >= 0; i = linkTexts.texts.items[i].next) {
+      const OrvLinkTexts::Text& t = linkTexts.texts.items[i];
+      int found = 0;
+      OrvString** value = pageUrls.Insert(linkTexts.At(t.offset), t.length, &found);
       if (found) continue;
       OrvString* keyString = keyStrings.Alloc();
       keyString->CopyBuf(key, keyLen);

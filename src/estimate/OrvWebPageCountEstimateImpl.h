@@ -35,7 +35,8 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest, public OrvShared {
   bool IsRunning() const { return running.load(std::memory_order_relaxed) != 0; }
 
   void SetEntryUrl(OrvString& text) { SetEntry(text); }
-  // Runs, text pruning, pageUrls and, for a listing, the last-page search.
+  // After DetectRuns: the template, text pruning, pageUrls and, for a
+  // listing, the last-page search. Frees the links, numbers and runs.
   void AnalysePage();
   // Number of pages of the listing the template describes, or -1. Each probe
   // goes to the log's last listing, if a log is given.
@@ -46,4 +47,5 @@ class OrvWebPageCountEstimateImpl : public OrvPageHarvest, public OrvShared {
   // Steps of AnalysePage.
   void PruneTextDepths();
   void CollectPageUrls();
+  void CollectLinkTexts();  // CollectPageUrls with allLinks 0
 };

@@ -65,7 +65,7 @@ void OrvVisibleNodeClassifier::PushFrame(int32_t& size, OrvNodeRecord* record, O
   if (size == frameCapacity) {
     int64_t grown = frameCapacity ? int64_t(frameCapacity) * 2 : 64;
     if (grown > INT32_MAX) OrvOutOfMemory();
-    frames = static_cast<BelowFrame*>(OrvReallocBytes(frames, size_t(grown) * sizeof(BelowFrame)));
+    OrvReallocOwned(frames, size_t(grown));
     frameCapacity = int32_t(grown);
   }
   frames[size++] = BelowFrame{record, list, 0};

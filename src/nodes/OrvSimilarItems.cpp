@@ -74,13 +74,13 @@ int32_t OrvVisibleNodeClassifier::FirstWithPartner(const OrvNodeList& list) {
   uint32_t capacity = 16;
   while (capacity < uint32_t(n) * 2u) capacity *= 2u;
   if (capacity > likeCapacity) {
-    OrvFreeBytes(likeSlots);
-    likeSlots = static_cast<LikeSlot*>(OrvAllocBytes(sizeof(LikeSlot) * capacity));
+    likeSlots.reset();
+    likeSlots = OrvAllocOwned<LikeSlot[]>(capacity);
     likeCapacity = capacity;
   }
   if (n > likeOfCapacity) {
-    OrvFreeBytes(likeOf);
-    likeOf = static_cast<int32_t*>(OrvAllocBytes(sizeof(int32_t) * size_t(n)));
+    likeOf.reset();
+    likeOf = OrvAllocOwned<int32_t[]>(size_t(n));
     likeOfCapacity = n;
   }
   for (uint32_t s = 0; s < capacity; s++) likeSlots[s].first = -1;

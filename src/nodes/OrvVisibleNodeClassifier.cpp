@@ -5,13 +5,7 @@
 OrvVisibleNodeClassifier::OrvVisibleNodeClassifier()
     : nodeTest(IsVisibleText), minDepth(65535), maxDepth(0) {}
 
-OrvVisibleNodeClassifier::~OrvVisibleNodeClassifier() {
-  Clear();
-  OrvFreeBytes(path);
-  OrvFreeBytes(likeSlots);
-  OrvFreeBytes(likeOf);
-  OrvFreeBytes(frames);
-}
+OrvVisibleNodeClassifier::~OrvVisibleNodeClassifier() { Clear(); }
 
 void OrvVisibleNodeClassifier::Classify(var_item* root) {
   minDepth = 65535;

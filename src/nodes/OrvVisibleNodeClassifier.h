@@ -5,6 +5,7 @@
 #include "core/OrvChunkArena.h"
 #include "core/OrvGrowArray.h"
 #include "core/OrvIntMap.h"
+#include "core/OrvOwned.h"
 #include "core/OrvPtrList.h"
 #include "core/OrvShared.h"
 #include "nodes/OrvPairSet.h"
@@ -117,7 +118,7 @@ class OrvVisibleNodeClassifier : public OrvShared {
   OrvPairSet parentsListed;  // the same for the parents list of Classify
 
   // The item of each depth on the walk's path, to check parent links.
-  var_item** path = nullptr;
+  OrvOwned<var_item*[]> path;
   int64_t pathCapacity = 0;
   var_item* topParent = nullptr;  // the parent link of the walk's top items
   bool topSeen = false;
@@ -128,9 +129,9 @@ class OrvVisibleNodeClassifier : public OrvShared {
     int32_t first;  // index of the first record of this kind, -1: empty
     int32_t count;
   };
-  LikeSlot* likeSlots = nullptr;
+  OrvOwned<LikeSlot[]> likeSlots;
   uint32_t likeCapacity = 0;
-  int32_t* likeOf = nullptr;  // per record: its slot, or -1 without "class"
+  OrvOwned<int32_t[]> likeOf;  // per record: its slot, or -1 without "class"
   int32_t likeOfCapacity = 0;
 
   // One frame of CollectBelow: the record whose children are being taken and
@@ -140,7 +141,7 @@ class OrvVisibleNodeClassifier : public OrvShared {
     OrvNodeList* list;
     int32_t next;
   };
-  BelowFrame* frames = nullptr;
+  OrvOwned<BelowFrame[]> frames;
   int32_t frameCapacity = 0;
 
   // The test whose answers the records carry; once records carry answers of

@@ -74,7 +74,7 @@ bool OrvVisibleNodeClassifier::FollowsPath(var_item* item, int32_t depth) {
   if (at >= pathCapacity) {
     int64_t grown = pathCapacity ? pathCapacity * 2 : 256;
     while (grown <= at) grown *= 2;
-    path = static_cast<var_item**>(OrvReallocBytes(path, size_t(grown) * sizeof(var_item*)));
+    OrvReallocOwned(path, size_t(grown));
     pathCapacity = grown;
   }
   if (at == 0) {

@@ -229,8 +229,8 @@ void OrvSitemapState::PlanChildren(int32_t index, int32_t next) {
   }
 }
 
-OrvSitemapSize::OrvSitemapSize() : state(OrvNew<OrvSitemapState>()) {}
-OrvSitemapSize::~OrvSitemapSize() { OrvDelete(state); }
+OrvSitemapSize::OrvSitemapSize() : state(OrvNewOwned<OrvSitemapState>()) {}
+OrvSitemapSize::~OrvSitemapSize() = default;  // where the state is a complete type
 
 void OrvSitemapSize::SetLimits(const OrvSitemapLimits& limits) { state->limits = limits; }
 

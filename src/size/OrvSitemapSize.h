@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "orvwebpage/OrvString.h"
 #include "size/OrvSiteScope.h"
 
@@ -74,5 +74,5 @@ class OrvSitemapSize {
   const OrvStrArray& SampleUrls() const;
 
  private:
-  OrvSitemapState* state;
+  OrvOwnedObject<OrvSitemapState> state;
 };

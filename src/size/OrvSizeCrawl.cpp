@@ -82,8 +82,7 @@ int32_t OrvSizeCrawl::Fetch(int32_t url, bool probe, long* status) {
   page.url = url;
   page.probe = probe;
   OrvSizeList<OrvSizeLink> links;
-  OrvReadSizeLinks(document.root, full.data(), long(full.size()), links);
-  if (links.size() > kMostLinksPerPage) links.resize(kMostLinksPerPage);
+  OrvReadSizeLinks(document.root, full.data(), long(full.size()), links, kMostLinksPerPage);
   OrvSizeList<OrvSizeText> locals(links.size());
   for (size_t i = 0; i < links.size(); ++i) {
     const OrvSizeText& target = links[i].url;

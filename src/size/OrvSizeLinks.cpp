@@ -125,7 +125,7 @@ bool OrvIsNextLabel(const char* text, long length) {
 }
 
 void OrvReadSizeLinks(var_item* root, const char* pageUrl, long pageLen,
-                      OrvSizeList<OrvSizeLink>& links) {
+                      OrvSizeList<OrvSizeLink>& links, size_t most) {
   links.clear();
   Reader reader;
   WalkItems(root, 1, Reader::Visit, &reader);
@@ -137,6 +137,8 @@ void OrvReadSizeLinks(var_item* root, const char* pageUrl, long pageLen,
       OrvResolveUrl(pageUrl, pageLen, reader.base.data(), long(reader.base.size()), resolved))
     base = resolved;
   for (RawLink& raw : reader.raw) {
+    // Resolving is what a page of a million links costs.
+    if (links.size() >= most) break;
     if (!OrvResolveUrl(base.buf, base.len, raw.href.data(), long(raw.href.size()), resolved))
       continue;
     OrvSizeLink link;

@@ -5,6 +5,8 @@
 // `<base href>`, with the text of the link and whether it leads to the next
 // page of a listing.
 
+#include <cstdint>
+
 #include "orvwebpage/OrvItem.h"
 #include "size/OrvSizeText.h"
 
@@ -14,9 +16,9 @@ struct OrvSizeLink {
   bool next = false;  // rel="next", a "next"/"older" class or label, or an arrow alone
 };
 
-// Replaces links with those of the tree below root, in document order.
+// Replaces links with the first most of the tree below root, in document order.
 void OrvReadSizeLinks(var_item* root, const char* pageUrl, long pageLen,
-                      OrvSizeList<OrvSizeLink>& links);
+                      OrvSizeList<OrvSizeLink>& links, size_t most = SIZE_MAX);
 
 // Whether a label or class says "the next page": next, older, more, or arrows only.
 bool OrvIsNextLabel(const char* text, long length);

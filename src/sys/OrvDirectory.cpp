@@ -2,17 +2,16 @@
 
 #include <cerrno>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "orvwebpage/OrvSys.h"
 
 OrvDirectory::OrvDirectory() {
   // getcwd says ERANGE until the buffer holds the whole path.
   for (size_t size = 256; size <= (size_t(1) << 20); size *= 2) {
-    char* text = static_cast<char*>(OrvAllocBytes(size));
-    const bool got = getcwd(text, size) != nullptr;
+    OrvOwned<char[]> text = OrvAllocOwned<char[]>(size);
+    const bool got = getcwd(text.get(), size) != nullptr;
     const bool tooShort = !got && errno == ERANGE;
-    if (got) workDir.CopyBuf(text, -1);
-    OrvFreeBytes(text);
+    if (got) workDir.CopyBuf(text.get(), -1);
     if (!tooShort) break;
   }
   if (!workDir.buf) workDir.Clear();

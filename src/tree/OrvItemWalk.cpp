@@ -1,6 +1,7 @@
 #include <cstring>
+#include <utility>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "orvwebpage/OrvItem.h"
 
 namespace {
@@ -12,9 +13,6 @@ class ResumeStack {
   ResumeStack() : items(inlineItems), size(0), capacity(kInline) {}
   ResumeStack(const ResumeStack&) = delete;
   ResumeStack& operator=(const ResumeStack&) = delete;
-  ~ResumeStack() {
-    if (items != inlineItems) OrvFreeBytes(items);
-  }
 
   bool Empty() const { return size == 0; }
   var_item* Pop() { return items[--size]; }
@@ -28,14 +26,15 @@ class ResumeStack {
 
   void Grow() {
     size_t more = capacity * 2;
-    var_item** bigger = static_cast<var_item**>(OrvAllocBytes(more * sizeof(var_item*)));
-    std::memcpy(bigger, items, size * sizeof(var_item*));
-    if (items != inlineItems) OrvFreeBytes(items);
-    items = bigger;
+    OrvOwned<var_item*[]> bigger = OrvAllocOwned<var_item*[]>(more);
+    std::memcpy(bigger.get(), items, size * sizeof(var_item*));
+    heap = std::move(bigger);
+    items = heap.get();
     capacity = more;
   }
 
-  var_item** items;
+  var_item** items;  // inlineItems or heap
+  OrvOwned<var_item*[]> heap;
   size_t size;
   size_t capacity;
   var_item* inlineItems[kInline];

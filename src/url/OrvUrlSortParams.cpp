@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "orvwebpage/OrvWebPageUrl.h"
 #include "url/OrvExactQuickSort.h"
 
@@ -22,7 +22,8 @@ struct RankedSlot {
 };
 
 void SortRanked(OrvUrlParam* params, int first, int n) {
-  auto* order = static_cast<int32_t*>(OrvAllocBytes(sizeof(int32_t) * size_t(n)));
+  OrvOwned<int32_t[]> orderOwned = OrvAllocOwned<int32_t[]>(size_t(n));
+  int32_t* order = orderOwned.get();
   for (int k = 0; k < n; k++) order[k] = k;
   OrvUrlParam* base = params + first;
   std::sort(order, order + n, [base](int32_t x, int32_t y) {
@@ -34,14 +35,16 @@ void SortRanked(OrvUrlParam* params, int first, int n) {
     distinct = OrvWebPageUrl::CompareParamNames(&base[order[k - 1]], &base[order[k]]) != 0;
 
   if (!distinct) {
-    auto* ranked = static_cast<RankedSlot*>(OrvAllocBytes(sizeof(RankedSlot) * size_t(n)));
+    OrvOwned<RankedSlot[]> rankedOwned = OrvAllocOwned<RankedSlot[]>(size_t(n));
+    RankedSlot* ranked = rankedOwned.get();
     int32_t rank = 0;
     for (int k = 0; k < n; k++) {
       if (k && OrvWebPageUrl::CompareParamNames(&base[order[k - 1]], &base[order[k]]) != 0) rank++;
       ranked[order[k]] = {rank, order[k]};
     }
     // seen[r] holds the number of the last range in which rank r was met.
-    auto* seen = static_cast<int32_t*>(OrvAllocBytes(sizeof(int32_t) * size_t(rank + 1)));
+    OrvOwned<int32_t[]> seenOwned = OrvAllocOwned<int32_t[]>(size_t(rank) + 1);
+    int32_t* seen = seenOwned.get();
     for (int32_t r = 0; r <= rank; r++) seen[r] = -1;
     int32_t rangeNumber = 0;
     auto distinctSorted = [seen, &rangeNumber](RankedSlot* a, int from, int to) {
@@ -61,15 +64,11 @@ void SortRanked(OrvUrlParam* params, int first, int n) {
         },
         distinctSorted);
     for (int k = 0; k < n; k++) order[k] = ranked[k].position;
-    OrvFreeBytes(seen);
-    OrvFreeBytes(ranked);
   }
 
-  OrvUrlParam* moved = OrvNewArray<OrvUrlParam>(size_t(n));
+  OrvOwnedArray<OrvUrlParam> moved = OrvNewOwnedArray<OrvUrlParam>(size_t(n));
   for (int k = 0; k < n; k++) moved[k] = std::move(base[order[k]]);
   for (int k = 0; k < n; k++) base[k] = std::move(moved[k]);
-  OrvDeleteArray(moved);
-  OrvFreeBytes(order);
 }
 
 }  // namespace

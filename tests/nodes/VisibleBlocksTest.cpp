@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "NodeClasses.h"
+#include "orvwebpage/OrvBlockTextWalk.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvItemPath.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
@@ -24,6 +25,20 @@ std::vector<std::string> Paths(const OrvVisibleBlocks& blocks) {
   return out;
 }
 
+// What a walk hands over: each class's path, then its texts.
+struct WalkedClasses : OrvBlockTextSink {
+  std::vector<std::string> paths;
+  std::vector<std::vector<std::string>> texts;
+  void OnClass(const char* path, int32_t length) override {
+    paths.emplace_back(path, size_t(length));
+    texts.emplace_back();
+  }
+  void OnText(const char* text, int32_t length) override {
+    ASSERT_FALSE(texts.empty()) << "a text before any class";
+    texts.back().emplace_back(text, size_t(length));
+  }
+};
+
 // " > "-separated steps of a path.
 bool StartsWithSteps(const std::string& path, const std::string& prefix) {
   return path == prefix || path.rfind(prefix + " > ", 0) == 0;
@@ -31,8 +46,8 @@ bool StartsWithSteps(const std::string& path, const std::string& prefix) {
 
 }  // namespace
 
-// Each case is an HTML page or a tree in ItemTree lines, with the path of
-// every class, the page class's empty one last.
+// Each case is an HTML page or a tree in ItemTree lines, with the path and
+// the texts of every class, the page class (empty path) last.
 TEST(VisibleBlocks, Cases) {
   std::ifstream in(ORV_CASES_DIR "/nodes/blocks.json");
   nlohmann::json cases = nlohmann::json::parse(in, nullptr, false);
@@ -53,6 +68,10 @@ TEST(VisibleBlocks, Cases) {
       blocks.Read(t.root());
     }
     EXPECT_EQ(Paths(blocks), c["paths"].get<std::vector<std::string>>());
+    WalkedClasses walked;
+    OrvWalkBlockTexts(blocks, walked);
+    EXPECT_EQ(walked.paths, c["paths"].get<std::vector<std::string>>());
+    EXPECT_EQ(walked.texts, c["texts"].get<std::vector<std::vector<std::string>>>());
     OrvString path("kept", 4);
     EXPECT_EQ(blocks.GetPath(blocks.GetClassCount(), path), 0);
     EXPECT_EQ(path.len, 0);

@@ -30,18 +30,25 @@ std::vector<std::string> LinksOf(var_item* root) {
   return out;
 }
 
-// Items of a kind the link reader never reads, by name.
+// Items and attributes of a kind the link reader never reads, by name.
 std::vector<std::string> UnexpectedItems(var_item* root) {
   std::vector<std::string> out;
   WalkItems(
       root, 1,
       [](var_item* item, int32_t, void* user) {
-        std::string name(item->name ? item->name : "",
-                         size_t(MeasuredLen(item->name, item->name_len)));
+        auto* out = static_cast<std::vector<std::string>*>(user);
+        auto name = [](const char* text, int32_t length) {
+          return std::string(text ? text : "", size_t(MeasuredLen(text, length)));
+        };
+        std::string tag = name(item->name, item->name_len);
         bool text = item->tag_id == 0 && item->text;
         if (text ? !FindAncestor(item, ORV_TAG_LINK)
-                 : item->tag_id != ORV_TAG_LINK && name != "area" && name != "base")
-          static_cast<std::vector<std::string>*>(user)->push_back(name);
+                 : item->tag_id != ORV_TAG_LINK && tag != "area" && tag != "base")
+          out->push_back(tag);
+        for (var_attr* attr = item->attr_list; attr; attr = attr->next) {
+          std::string attrName = name(attr->name, attr->name_len);
+          if (attrName != "href" && attrName != "alt") out->push_back(tag + "@" + attrName);
+        }
       },
       &out);
   return out;

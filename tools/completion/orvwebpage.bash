@@ -16,7 +16,7 @@ _orvwebpage() {
   fi
   case "$prev" in
     --html|--from) _filedir; return ;;
-    --entry|--example|--base|--timeout|--deadline|--delay|--max-requests|--user-agent|--hosts|--jobs)
+    --entry|--example|--base|--timeout|--deadline|--max-memory|--delay|--max-requests|--user-agent|--hosts|--jobs)
       return ;;
   esac
   local options="--help --json"
@@ -26,9 +26,9 @@ _orvwebpage() {
     search) options+=" --entry --example" ;;
     links) options+=" --entry --html --base --timeout --user-agent" ;;
     nodes) options+=" --timeout --user-agent" ;;
-    estimate) options+=" --max-requests --timeout --deadline --delay --user-agent --hosts
+    estimate) options+=" --max-requests --timeout --deadline --max-memory --delay --user-agent --hosts
       --ignore-robots --jobs --from --explain" ;;
-    size) options+=" --max-requests --timeout --deadline --delay --user-agent --hosts
+    size) options+=" --max-requests --timeout --deadline --max-memory --delay --user-agent --hosts
       --ignore-robots --jobs --from --explain" ;;
     help) COMPREPLY=($(compgen -W "$commands" -- "$cur")); return ;;
   esac

@@ -22,6 +22,8 @@
 #include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "RunLimits.h"
+#include "RunWatch.h"
 #include "ShownText.h"
 #include "SiteBatch.h"
 #include "orvwebpage/OrvExactEstimate.h"
@@ -37,12 +39,13 @@ struct EstimateOptions {
   SiteBatch batch;
   std::string url;  // of the site in hand
   bool ignoreRobots = false;
-  int64_t maxRequests = 0;  // 0: no budget
-  double timeout = 0;       // seconds per request; 0: the HTTP layer's default
-  double deadline = 0;      // seconds for the whole run; 0: none
-  int32_t delay = 0;        // milliseconds between requests
-  std::string userAgent;    // empty: the library's own
-  std::string hosts;        // empty: requests may go anywhere
+  int64_t maxRequests = kDefaultMaxRequests;  // 0: no budget
+  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
+  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
+  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
+  int32_t delay = 0;                          // milliseconds between requests
+  std::string userAgent;                      // empty: the library's own
+  std::string hosts;                          // empty: requests may go anywhere
   bool explain = false;
 };
 
@@ -98,6 +101,7 @@ struct EstimateRun {
   int64_t bytes = 0;
   bool spent = false;
   bool interrupted = false;
+  std::string reason;  // why the run stopped short ("interrupted", "deadline", ...), or empty
   double seconds = 0;
   Explanation explanation;
   std::vector<std::string> robotsRefused;
@@ -108,6 +112,7 @@ OrvHttpSettings LimitsOf(const EstimateOptions& o) {
   settings.maxRequests = o.maxRequests;
   if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
+  settings.maxHeldBytes = o.maxMemory;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
   settings.obeyRobots = o.ignoreRobots ? 0 : 1;
@@ -128,7 +133,7 @@ void ShowProgress(const OrvHttpProgress& p, void* context) {
 }
 
 // On the calling thread's run, which it sets up from o.
-EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
+EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& httpRun) {
   OrvWebPageCountEstimate estimator;
   StopOnInterrupt stop([&estimator] { estimator.StopEstimating(); });
   std::unique_ptr<Progress> progress;
@@ -147,7 +152,14 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
   OrvHttpLimits::Set(LimitsOf(o));  // starts the deadline's clock
   std::string url = o.url;
   EstimateRun run;
-  run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+  {
+    RunWatch watch(start, o.deadline, o.maxMemory, [&] {
+      estimator.StopEstimating();
+      httpRun.Stop();
+    });
+    run.estimate = estimator.EstimateCount(url.data(), static_cast<long>(url.size()));
+    run.reason = LimitReason(watch.Reason());
+  }
   run.exact = OrvExactEstimate(estimator);
   run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   run.requests = OrvHttpLimits::GetRequests();
@@ -155,6 +167,7 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress) {
   run.bytes = OrvHttpLimits::GetBytes();
   run.spent = OrvHttpLimits::IsSpent() != 0;
   run.interrupted = SiteBatchInterrupted();
+  if (run.interrupted) run.reason = "interrupted";
 
   if (progress) {
     OrvHttpLimits::SetProgress(nullptr, nullptr);
@@ -175,9 +188,9 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
     out["requests"] = run.requests;
     out["seconds"] = run.seconds;
     if (run.exact != run.estimate) out["wrapped"] = true;
-    if (run.interrupted) {
+    if (!run.reason.empty()) {
       out["partial"] = true;
-      out["reason"] = "interrupted";
+      out["reason"] = run.reason;
     }
     if (!run.robotsRefused.empty()) out["robots_refused"] = run.robotsRefused;
     if (o.explain) AddExplanation(run.explanation, out);
@@ -188,7 +201,7 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
        << "estimate: " << run.estimate << " pages\n"
        << "requests: " << run.requests << " (" << ShortByteCount(run.bytes) << ")\n"
        << "seconds:  " << FormatSeconds(run.seconds) << "\n";
-  if (run.interrupted) text << "partial:  interrupted\n";
+  if (!run.reason.empty()) text << "partial:  " << run.reason << "\n";
   if (o.explain) {
     for (const std::string& url : run.robotsRefused)
       text << "robots.txt refused: " << ShownText(url) << "\n";
@@ -206,14 +219,17 @@ std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
   if (run.interrupted || run.estimate != 0 || run.fetches > 1) return "";
   if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty())
     return "its host is not among --hosts";
+  // A stop by the watch leaves "stopped" as the last failure.
+  if (!run.reason.empty()) return LimitFailure(run.reason);
   return LastFailure(run.spent ? "the deadline or the request budget ran out first"
                                : "no readable page came back");
 }
 
 // One site on the calling thread's run.
-SiteOutcome EstimateSite(EstimateOptions o, const std::string& url, bool alone) {
+SiteOutcome EstimateSite(EstimateOptions o, const std::string& url, bool alone,
+                         OrvHttpRun& httpRun) {
   o.url = url;
-  EstimateRun run = Estimate(o, alone);
+  EstimateRun run = Estimate(o, alone, httpRun);
   SiteOutcome outcome;
   outcome.error = FailureOf(o, run);
   if (!outcome.error.empty()) return outcome;
@@ -221,6 +237,9 @@ SiteOutcome EstimateSite(EstimateOptions o, const std::string& url, bool alone) 
     std::cerr << "orvwebpage: warning: the estimate wrapped around in its 32-bit arithmetic; "
                  "summed in 64 bits it is " +
                      std::to_string(run.exact) + " pages\n";
+  if (!run.interrupted && !run.reason.empty())
+    std::cerr << PartialLine(o.url, run.reason, o.maxRequests, o.deadline, o.maxMemory)
+              << std::flush;
   outcome.text = RunText(o, run);
   return outcome;
 }
@@ -234,11 +253,13 @@ Command AddEstimateCommand(CLI::App& parent) {
   AddSiteBatchOptions(app, o->batch, "estimated", "estimate");
   app->add_flag("--ignore-robots", o->ignoreRobots,
                 "do not read robots.txt, nor keep to what it refuses");
-  app->add_option("--max-requests", o->maxRequests, "stop making requests after N of them")
-      ->transform(WholeNumber(1, INT64_MAX, "N"));
+  app->add_option("--max-requests", o->maxRequests,
+                  "stop making requests after N of them; 0: no budget (default 10000, far more "
+                  "than a site of a few thousand pages takes, an end to one that never ends)")
+      ->transform(WholeNumber(0, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
-  app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
+  AddRunLimitOptions(app, o->deadline, o->maxMemory);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
       ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
@@ -251,8 +272,8 @@ Command AddEstimateCommand(CLI::App& parent) {
                 "also print what the estimate is made of: its shapes, and each listing's pager "
                 "and probes");
   return {app, [o] {
-            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone, OrvHttpRun&) {
-              return EstimateSite(*o, url, alone);
+            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone, OrvHttpRun& run) {
+              return EstimateSite(*o, url, alone, run);
             });
           }};
 }

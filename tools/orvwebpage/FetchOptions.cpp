@@ -6,6 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "RunLimits.h"
+#include "ShownText.h"
+
 namespace {
 
 // Longer limits than this are no limits for a crawl, and keep the
@@ -26,6 +29,14 @@ const CLI::Validator kSeconds(
       if (used != text.size() || !std::isfinite(value) || value <= 0 || value > kMaxSeconds)
         return "seconds must be a number above 0 and at most 1000000: " + text;
       return "";
+    },
+    "SECONDS");
+
+const CLI::Validator kSecondsOrNone(
+    [](std::string& text) -> std::string {
+      std::string copy = text;
+      if (text == "0" || kSeconds(copy).empty()) return "";
+      return "seconds must be 0 (none) or a number above 0 and at most 1000000: " + text;
     },
     "SECONDS");
 
@@ -65,6 +76,50 @@ void AddFetchOptions(CLI::App* app, FetchOptions& options) {
   app->add_option("--user-agent", options.userAgent, "User-Agent header to send")
       ->check(kHeaderText)
       ->type_name("TEXT");
+}
+
+void AddRunLimitOptions(CLI::App* app, double& deadline, int64_t& maxMemory) {
+  app->add_option("--deadline", deadline,
+                  "seconds the whole run may take, the page in hand included; 0: none (default "
+                  "3600: a site of a few thousand pages takes minutes, one without end stops)")
+      ->check(kSecondsOrNone)
+      ->type_name("SECONDS");
+  app->add_option_function<std::string>(
+         "--max-memory",
+         [&maxMemory](const std::string& text) {
+           if (!ParseByteSize(text, maxMemory))
+             throw CLI::ValidationError("--max-memory",
+                                        "a size such as 512M or 2G, or 0 for none: " + text);
+         },
+         "what the analysis may hold before the crawl stops, in bytes or with K, M, G; 0: none "
+         "(default 2G, well below a machine's memory, far above what a page of 100,000 links "
+         "needs)")
+      ->type_name("SIZE");
+}
+
+std::string PartialLine(const std::string& url, const std::string& reason, int64_t maxRequests,
+                        double deadline, int64_t maxMemory) {
+  std::string line = "orvwebpage: partial result for " + ShownText(url) + ": ";
+  if (reason == "request budget") {
+    line += "the request budget of " + std::to_string(maxRequests) +
+            " requests ran out (--max-requests sets it, 0 lifts it)";
+  } else if (reason == "deadline") {
+    char seconds[32];
+    std::snprintf(seconds, sizeof seconds, "%g", deadline);
+    line +=
+        std::string("the deadline of ") + seconds + " s passed (--deadline sets it, 0 lifts it)";
+  } else {
+    // In the units --max-memory takes, so 2G reads as 2 GiB.
+    const char* units[] = {"B", "KiB", "MiB", "GiB", "TiB"};
+    double value = double(maxMemory);
+    int unit = 0;
+    for (; value >= 1024 && unit < 4; unit++) value /= 1024;
+    char budget[48];
+    std::snprintf(budget, sizeof budget, "%.4g %s", value, units[unit]);
+    line += std::string("the memory budget of ") + budget +
+            " was reached (--max-memory sets it, 0 lifts it)";
+  }
+  return line + "\n";
 }
 
 OrvHttpSettings SettingsWith(const FetchOptions& options) {

@@ -7,6 +7,8 @@
 
 // Seconds above 0, at most 1000000; a number as the user writes one.
 extern const CLI::Validator kSeconds;
+// Seconds as kSeconds, or 0 for none.
+extern const CLI::Validator kSecondsOrNone;
 // Text that can go into a request header.
 extern const CLI::Validator kHeaderText;
 // Host patterns as the HTTP layer takes them.
@@ -22,6 +24,15 @@ int32_t Milliseconds(double seconds);
 
 // --timeout and --user-agent, for commands that fetch one page.
 void AddFetchOptions(CLI::App* app, FetchOptions& options);
+
+// --deadline and --max-memory with their defaults (RunLimits.h), 0 lifting
+// each, for commands that crawl a site.
+void AddRunLimitOptions(CLI::App* app, double& deadline, int64_t& maxMemory);
+
+// The line on stderr for a run a limit cut ("request budget", "deadline",
+// "memory budget"): which, and how to lift it.
+std::string PartialLine(const std::string& url, const std::string& reason, int64_t maxRequests,
+                        double deadline, int64_t maxMemory);
 
 // The settings of the run with those options in force.
 OrvHttpSettings SettingsWith(const FetchOptions& options);

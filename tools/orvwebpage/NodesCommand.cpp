@@ -11,6 +11,7 @@
 #include "PageMemory.h"
 #include "PageSource.h"
 #include "ShownText.h"
+#include "orvwebpage/OrvBlockTextWalk.h"
 #include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
 
@@ -26,9 +27,9 @@ struct NodesOptions {
   bool json = false;
 };
 
-// The classes of a page, read in place while its tree is open: no copy of the
-// texts is made for printing.
-class PageClasses {
+// The classes of a page, read in place while its tree is open: the texts are
+// views into the tree, no copy of them is made for printing.
+class PageClasses : public OrvBlockTextSink {
  public:
   PageClasses(std::string page, const std::string& contentType) {
     CheckPageMemory(page);
@@ -36,27 +37,32 @@ class PageClasses {
       throw CommandError("cannot parse the page");
     std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
     blocks.Read(doc.root);
+    OrvWalkBlockTexts(blocks, *this);
   }
 
-  int Count() const { return blocks.GetClassCount(); }
-  std::string Path(int c) const {
-    OrvString path;
-    blocks.GetPath(c, path);
-    return path.len > 0 ? std::string(path.buf, size_t(path.len)) : std::string();
-  }
+  int Count() const { return int(classes.size()); }
+  const std::string& Path(int c) const { return classes[size_t(c)].path; }
   // Calls add(text) for each text of class c.
   template <class Add>
   void ForEachText(int c, Add add) const {
-    for (int i = 0; i < blocks.GetTextCount(c); i++) {
-      const char* text = nullptr;
-      int32_t length = 0;
-      if (blocks.GetText(c, i, text, length)) add(std::string_view(text, size_t(length)));
-    }
+    for (std::string_view text : classes[size_t(c)].texts) add(text);
+  }
+
+  void OnClass(const char* path, int32_t length) override {
+    classes.emplace_back().path.assign(path, size_t(length));
+  }
+  void OnText(const char* text, int32_t length) override {
+    classes.back().texts.emplace_back(text, size_t(length));
   }
 
  private:
+  struct TextClass {
+    std::string path;  // empty for the page
+    std::vector<std::string_view> texts;
+  };
   OrvHtml doc;
   OrvVisibleBlocks blocks;
+  std::vector<TextClass> classes;
 };
 
 // One line per text: whitespace runs become one blank, ends trimmed.

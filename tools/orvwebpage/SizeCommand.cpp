@@ -19,6 +19,8 @@
 #include "FetchOptions.h"
 #include "JsonOutput.h"
 #include "ProgressLine.h"
+#include "RunLimits.h"
+#include "RunWatch.h"
 #include "ShownText.h"
 #include "SiteBatch.h"
 #include "orvwebpage/OrvHttpLimits.h"
@@ -30,9 +32,10 @@ namespace {
 struct SizeOptions {
   SiteBatch batch;
   int64_t maxRequests = 60;
-  double timeout = 0;   // seconds per request; 0: the HTTP layer's default
-  double deadline = 0;  // seconds for the whole run; 0: none
-  int32_t delay = 0;    // milliseconds between requests
+  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
+  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
+  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
+  int32_t delay = 0;                          // milliseconds between requests
   std::string userAgent;
   std::string hosts;
   bool explain = false;
@@ -134,13 +137,15 @@ void PrintExplanation(const nlohmann::ordered_json& e, std::ostream& out) {
 }
 
 // One site on the calling thread's run.
-SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone) {
+SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone,
+                     OrvHttpRun& httpRun) {
   OrvSiteSize size;
   StopOnInterrupt stop([&size] { size.Stop(); });
   OrvHttpSettings settings = OrvHttpLimits::Get();
   settings.maxRequests = o.maxRequests;
   if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
   settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
+  settings.maxHeldBytes = o.maxMemory;
   settings.delayMs = o.delay;
   std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
   settings.obeyRobots = o.ignoreRobots ? 0 : 1;
@@ -155,9 +160,18 @@ SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone) {
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();
   OrvHttpLimits::Set(settings);
-  size.Measure(url.data(), long(url.size()), o.maxRequests);
+  std::string limit;
+  {
+    RunWatch watch(start, o.deadline, o.maxMemory, [&] {
+      size.Stop();
+      httpRun.Stop();
+    });
+    size.Measure(url.data(), long(url.size()), o.maxRequests);
+    limit = LimitReason(watch.Reason());
+  }
+  // The request budget is the plan of the measure, which spends it by design.
+  if (limit == "request budget") limit.clear();
   double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  bool deadlinePassed = OrvHttpLimits::IsSpent() && size.Requests() < o.maxRequests;
   bool interrupted = SiteBatchInterrupted();
 
   if (progress) {
@@ -170,7 +184,7 @@ SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone) {
     OrvString failedUrl, failure;
     OrvHttpLimits::GetLastFailure(failedUrl, failure);
     outcome.error = interrupted      ? "interrupted"
-                    : deadlinePassed ? "the deadline passed first"
+                    : !limit.empty() ? LimitFailure(limit)
                     : failure.len    ? Text(failure)
                                      : "no readable page came back";
     return outcome;
@@ -184,10 +198,12 @@ SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone) {
   out["source"] = OrvSiteSize::SourceName(size.Source());
   out["requests"] = size.Requests();
   out["seconds"] = seconds;
-  if (interrupted || deadlinePassed) {
+  if (interrupted || !limit.empty()) {
     out["partial"] = true;
-    out["reason"] = interrupted ? "interrupted" : "deadline";
+    out["reason"] = interrupted ? "interrupted" : limit;
   }
+  if (!interrupted && !limit.empty())
+    std::cerr << PartialLine(url, limit, o.maxRequests, o.deadline, o.maxMemory) << std::flush;
   if (size.ExactWrapped()) out["wrapped"] = true;
   OrvStrArray refused;
   OrvHttpLimits::GetRobotsRefused(refused);
@@ -251,7 +267,7 @@ Command AddSizeCommand(CLI::App& parent) {
       ->transform(WholeNumber(1, INT64_MAX, "N"));
   app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
       ->check(kSeconds);
-  app->add_option("--deadline", o->deadline, "seconds the whole run may take")->check(kSeconds);
+  AddRunLimitOptions(app, o->deadline, o->maxMemory);
   app->add_option("--delay", o->delay, "milliseconds to wait between requests")
       ->transform(WholeNumber(0, INT32_MAX, "MS"));
   app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
@@ -264,8 +280,8 @@ Command AddSizeCommand(CLI::App& parent) {
   app->add_flag("--explain", o->explain,
                 "also print what the figure is made of: sitemaps, listings, shapes");
   return {app, [o] {
-            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone, OrvHttpRun&) {
-              return SizeSite(*o, url, alone);
+            return RunSiteBatch(o->batch, [o](const std::string& url, bool alone, OrvHttpRun& run) {
+              return SizeSite(*o, url, alone, run);
             });
           }};
 }

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <vector>
 
-#include "core/OrvMemory.h"
+#include "core/OrvOwned.h"
 #include "core/OrvStrMap.h"
 #include "orvwebpage/OrvHttpLimits.h"
 #include "platform/http/OrvHostPatterns.h"
@@ -51,12 +51,11 @@ struct OrvHttpRunState {
 
   std::mutex robotsLock;
   OrvStrMap<int32_t> originIndex;  // "scheme://host:port" to its place in origins
-  std::vector<OrvHttpOrigin*, OrvAllocator<OrvHttpOrigin*>> origins;
+  std::vector<OrvOwnedObject<OrvHttpOrigin>, OrvAllocator<OrvOwnedObject<OrvHttpOrigin>>> origins;
 
   ~OrvHttpRunState() { ForgetOrigins(); }
   // Caller holds robotsLock and lock, or is the only user.
   void ForgetOrigins() {
-    for (OrvHttpOrigin* origin : origins) OrvDelete(origin);
     origins.clear();
     originIndex.Clear();
   }

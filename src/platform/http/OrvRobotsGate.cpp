@@ -104,9 +104,9 @@ ORV_HTTP_STATUS OrvRobotsCheck(OrvHttpRunState& run, const OrvRequestTarget& tar
     place = run.originIndex.Insert(key.buf, int32_t(key.len), &found);
     if (!found) {
       *place = int32_t(run.origins.size());
-      run.origins.push_back(OrvNew<OrvHttpOrigin>());
+      run.origins.push_back(OrvNewOwned<OrvHttpOrigin>());
     }
-    origin = run.origins[size_t(*place)];
+    origin = run.origins[size_t(*place)].get();
   }
   if (!origin->robotsRead) {
     ORV_HTTP_STATUS status = ReadRobots(run, target, *origin, why);
