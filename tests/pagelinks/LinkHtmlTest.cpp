@@ -36,7 +36,7 @@ std::vector<std::string> UnexpectedItems(var_item* root) {
   WalkItems(
       root, 1,
       [](var_item* item, int32_t, void* user) {
-        auto* out = static_cast<std::vector<std::string>*>(user);
+        auto* found = static_cast<std::vector<std::string>*>(user);
         auto name = [](const char* text, int32_t length) {
           return std::string(text ? text : "", size_t(MeasuredLen(text, length)));
         };
@@ -44,10 +44,10 @@ std::vector<std::string> UnexpectedItems(var_item* root) {
         bool text = item->tag_id == 0 && item->text;
         if (text ? !FindAncestor(item, ORV_TAG_LINK)
                  : item->tag_id != ORV_TAG_LINK && tag != "area" && tag != "base")
-          out->push_back(tag);
+          found->push_back(tag);
         for (var_attr* attr = item->attr_list; attr; attr = attr->next) {
           std::string attrName = name(attr->name, attr->name_len);
-          if (attrName != "href" && attrName != "alt") out->push_back(tag + "@" + attrName);
+          if (attrName != "href" && attrName != "alt") found->push_back(tag + "@" + attrName);
         }
       },
       &out);
