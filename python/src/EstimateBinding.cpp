@@ -16,6 +16,7 @@
 
 #include "Bindings.h"
 #include "EstimateExplain.h"
+#include "OffGilRun.h"
 #include "PyText.h"
 #include "RunLimits.h"
 #include "RunWatch.h"
@@ -243,8 +244,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                     const py::object& stop, bool obeyRobots, const py::object& hosts, bool explain,
                     const py::object& maxMemory) {
   TextView view = ViewTextOrThrow(url, "url");
-  if (!stop.is_none() && !py::hasattr(stop, "is_set"))
-    throw py::type_error("stop must be a threading.Event or another object with is_set()");
+  CheckStopEvent(stop);
   auto crawl = std::make_shared<Crawl>();
   crawl->url.assign(view.data, size_t(view.size));
   crawl->settings =
@@ -252,33 +252,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
   crawl->hosts = HostPatterns(hosts);
   crawl->explain = explain;
 
-  std::thread worker([crawl] { crawl->Run(); });
-  std::optional<py::error_already_set> failure;
-  bool stopped = false;
-  for (;;) {
-    bool done;
-    {
-      py::gil_scoped_release released;
-      done = crawl->Wait();
-    }
-    if (done) break;
-    if (!failure && PyErr_CheckSignals() != 0) failure.emplace();
-    if (!failure && !stopped && !stop.is_none()) {
-      PyObject* set = PyObject_CallMethod(stop.ptr(), "is_set", nullptr);
-      if (!set) {
-        failure.emplace();
-      } else {
-        stopped = PyObject_IsTrue(set) == 1;
-        Py_DECREF(set);
-      }
-    }
-    if (failure || stopped) crawl->Stop();
-  }
-  {
-    py::gil_scoped_release released;
-    worker.join();
-  }
-  if (failure) throw *failure;
+  bool stopped = RunOffGil(crawl, stop);
   if (crawl->hostsRefused)
     throw py::value_error("hosts holds a malformed pattern: " + crawl->hosts);
 

@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "Bindings.h"
+#include "OffGilRun.h"
 #include "PyText.h"
 #include "RunLimits.h"
 #include "RunWatch.h"
@@ -132,8 +133,7 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
                 const std::optional<std::string>& userAgent, const py::object& stop,
                 bool obeyRobots, const py::object& hosts, const py::object& maxMemory) {
   TextView view = ViewTextOrThrow(url, "url");
-  if (!stop.is_none() && !py::hasattr(stop, "is_set"))
-    throw py::type_error("stop must be a threading.Event or another object with is_set()");
+  CheckStopEvent(stop);
   if (maxRequests < 1) throw py::value_error("max_requests must be at least 1");
   auto sizing = std::make_shared<Sizing>();
   sizing->url.assign(view.data, size_t(view.size));
@@ -142,33 +142,7 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
       MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots, maxMemory);
   sizing->hosts = HostPatterns(hosts);
 
-  std::thread worker([sizing] { sizing->Run(); });
-  std::optional<py::error_already_set> failure;
-  bool stopped = false;
-  for (;;) {
-    bool done;
-    {
-      py::gil_scoped_release released;
-      done = sizing->Wait();
-    }
-    if (done) break;
-    if (!failure && PyErr_CheckSignals() != 0) failure.emplace();
-    if (!failure && !stopped && !stop.is_none()) {
-      PyObject* set = PyObject_CallMethod(stop.ptr(), "is_set", nullptr);
-      if (!set) {
-        failure.emplace();
-      } else {
-        stopped = PyObject_IsTrue(set) == 1;
-        Py_DECREF(set);
-      }
-    }
-    if (failure || stopped) sizing->Stop();
-  }
-  {
-    py::gil_scoped_release released;
-    worker.join();
-  }
-  if (failure) throw *failure;
+  bool stopped = RunOffGil(sizing, stop);
   if (sizing->hostsRefused)
     throw py::value_error("hosts holds a malformed pattern: " + sizing->hosts);
 
