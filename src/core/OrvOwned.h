@@ -28,6 +28,7 @@ template <class T>
 OrvOwned<T> OrvAllocOwned(std::size_t count) {
   using Slot = std::remove_extent_t<T>;
   static_assert(std::is_trivially_copyable_v<Slot> && std::is_trivially_destructible_v<Slot>);
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): Slot may be a pointer; its size is meant
   return OrvOwned<T>(static_cast<Slot*>(OrvAllocBytes(count * sizeof(Slot))));
 }
 
@@ -36,6 +37,7 @@ template <class T>
 void OrvReallocOwned(OrvOwned<T>& owned, std::size_t count) {
   using Slot = std::remove_extent_t<T>;
   static_assert(std::is_trivially_copyable_v<Slot> && std::is_trivially_destructible_v<Slot>);
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): Slot may be a pointer; its size is meant
   owned.reset(static_cast<Slot*>(OrvReallocBytes(owned.release(), count * sizeof(Slot))));
 }
 

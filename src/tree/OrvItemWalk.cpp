@@ -27,6 +27,7 @@ class ResumeStack {
   void Grow() {
     size_t more = capacity * 2;
     OrvOwned<var_item*[]> bigger = OrvAllocOwned<var_item*[]>(more);
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): sizes an array of pointers
     std::memcpy(bigger.get(), items, size * sizeof(var_item*));
     heap = std::move(bigger);
     items = heap.get();
