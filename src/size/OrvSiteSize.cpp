@@ -59,8 +59,6 @@ void OrvSiteSizeImpl::Measure(const char* url, long length, int64_t maxRequests)
   Combine();
 }
 
-// A few listed pages fetched: a sitemap whose pages do not answer is not one
-// to trust.
 // A few listed pages that the crawl did not meet are fetched: a sitemap whose
 // pages do not answer is not one to trust.
 void OrvSiteSizeImpl::CheckSitemap() {
