@@ -37,15 +37,9 @@ namespace {
 
 struct EstimateOptions {
   SiteBatch batch;
-  std::string url;  // of the site in hand
-  bool ignoreRobots = false;
+  std::string url;                            // of the site in hand
   int64_t maxRequests = kDefaultMaxRequests;  // 0: no budget
-  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
-  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
-  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
-  int32_t delay = 0;                          // milliseconds between requests
-  std::string userAgent;                      // empty: the library's own
-  std::string hosts;                          // empty: requests may go anywhere
+  CrawlOptions crawl;
   bool explain = false;
 };
 
@@ -107,18 +101,6 @@ struct EstimateRun {
   std::vector<std::string> robotsRefused;
 };
 
-OrvHttpSettings LimitsOf(const EstimateOptions& o) {
-  OrvHttpSettings settings = OrvHttpLimits::Get();
-  settings.maxRequests = o.maxRequests;
-  if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
-  settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
-  settings.maxHeldBytes = o.maxMemory;
-  settings.delayMs = o.delay;
-  std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
-  settings.obeyRobots = o.ignoreRobots ? 0 : 1;
-  return settings;
-}
-
 struct Progress {
   ProgressLine line{STDERR_FILENO};
   OrvWebPageCountEstimate* estimator;
@@ -142,18 +124,19 @@ EstimateRun Estimate(const EstimateOptions& o, bool showProgress, OrvHttpRun& ht
     OrvHttpLimits::SetProgress(ShowProgress, progress.get());
   }
 
-  if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
+  if (!o.crawl.hosts.empty())
+    OrvHttpLimits::SetHosts(o.crawl.hosts.data(), long(o.crawl.hosts.size()));
   // With --hosts the crawl is confined already.
-  std::string warning = o.hosts.empty() ? SiteDomainWarning(o.url) : "";
+  std::string warning = o.crawl.hosts.empty() ? SiteDomainWarning(o.url) : "";
   if (!warning.empty()) std::cerr << ShownText(warning) << std::endl;
 
   OrvHttpLimits::ResetCounters();
   auto start = std::chrono::steady_clock::now();
-  OrvHttpLimits::Set(LimitsOf(o));  // starts the deadline's clock
+  OrvHttpLimits::Set(CrawlSettings(o.crawl, o.maxRequests));  // starts the deadline's clock
   std::string url = o.url;
   EstimateRun run;
   {
-    RunWatch watch(start, o.deadline, o.maxMemory, [&] {
+    RunWatch watch(start, o.crawl.deadline, o.crawl.maxMemory, [&] {
       estimator.StopEstimating();
       httpRun.Stop();
     });
@@ -217,7 +200,7 @@ std::string RunText(const EstimateOptions& o, const EstimateRun& run) {
 // takes probes, so such a run has fetched more pages.
 std::string FailureOf(const EstimateOptions& o, const EstimateRun& run) {
   if (run.interrupted || run.estimate != 0 || run.fetches > 1) return "";
-  if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.hosts.empty())
+  if (!OrvHttpLimits::AllowsUrl(o.url.data(), long(o.url.size())) && !o.crawl.hosts.empty())
     return "its host is not among --hosts";
   // A stop by the watch leaves "stopped" as the last failure.
   if (!run.reason.empty()) return LimitFailure(run.reason);
@@ -238,7 +221,7 @@ SiteOutcome EstimateSite(EstimateOptions o, const std::string& url, bool alone,
                  "summed in 64 bits it is " +
                      std::to_string(run.exact) + " pages\n";
   if (!run.interrupted && !run.reason.empty())
-    std::cerr << PartialLine(o.url, run.reason, o.maxRequests, o.deadline, o.maxMemory)
+    std::cerr << PartialLine(o.url, run.reason, o.maxRequests, o.crawl.deadline, o.crawl.maxMemory)
               << std::flush;
   outcome.text = RunText(o, run);
   return outcome;
@@ -251,21 +234,13 @@ Command AddEstimateCommand(CLI::App& parent) {
                                     "Estimate how many pages a site holds, crawling it from URL");
   auto o = std::make_shared<EstimateOptions>();
   AddSiteBatchOptions(app, o->batch, "estimated", "estimate");
-  app->add_flag("--ignore-robots", o->ignoreRobots,
+  app->add_flag("--ignore-robots", o->crawl.ignoreRobots,
                 "do not read robots.txt, nor keep to what it refuses");
   app->add_option("--max-requests", o->maxRequests,
                   "stop making requests after N of them; 0: no budget (default 10000, far more "
                   "than a site of a few thousand pages takes, an end to one that never ends)")
       ->transform(WholeNumber(0, INT64_MAX, "N"));
-  app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
-      ->check(kSeconds);
-  AddRunLimitOptions(app, o->deadline, o->maxMemory);
-  app->add_option("--delay", o->delay, "milliseconds to wait between requests")
-      ->transform(WholeNumber(0, INT32_MAX, "MS"));
-  app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
-  app->add_option("--hosts", o->hosts,
-                  "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
-      ->check(kHostPatterns);
+  AddCrawlOptions(app, o->crawl);
   app->add_flag("--json", o->batch.json,
                 "print one JSON document a site, one a line: url, estimate, requests, seconds");
   app->add_flag("--explain", o->explain,

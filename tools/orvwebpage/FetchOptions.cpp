@@ -78,16 +78,18 @@ void AddFetchOptions(CLI::App* app, FetchOptions& options) {
       ->type_name("TEXT");
 }
 
-void AddRunLimitOptions(CLI::App* app, double& deadline, int64_t& maxMemory) {
-  app->add_option("--deadline", deadline,
+void AddCrawlOptions(CLI::App* app, CrawlOptions& options) {
+  app->add_option("--timeout", options.timeout, "seconds one request may take (default 30)")
+      ->check(kSeconds);
+  app->add_option("--deadline", options.deadline,
                   "seconds the whole run may take, the page in hand included; 0: none (default "
                   "3600: a site of a few thousand pages takes minutes, one without end stops)")
       ->check(kSecondsOrNone)
       ->type_name("SECONDS");
   app->add_option_function<std::string>(
          "--max-memory",
-         [&maxMemory](const std::string& text) {
-           if (!ParseByteSize(text, maxMemory))
+         [&options](const std::string& text) {
+           if (!ParseByteSize(text, options.maxMemory))
              throw CLI::ValidationError("--max-memory",
                                         "a size such as 512M or 2G, or 0 for none: " + text);
          },
@@ -95,6 +97,25 @@ void AddRunLimitOptions(CLI::App* app, double& deadline, int64_t& maxMemory) {
          "(default 2G, well below a machine's memory, far above what a page of 100,000 links "
          "needs)")
       ->type_name("SIZE");
+  app->add_option("--delay", options.delay, "milliseconds to wait between requests")
+      ->transform(WholeNumber(0, INT32_MAX, "MS"));
+  app->add_option("--user-agent", options.userAgent, "User-Agent header to send")
+      ->check(kHeaderText);
+  app->add_option("--hosts", options.hosts,
+                  "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
+      ->check(kHostPatterns);
+}
+
+OrvHttpSettings CrawlSettings(const CrawlOptions& options, int64_t maxRequests) {
+  OrvHttpSettings settings = OrvHttpLimits::Get();
+  settings.maxRequests = maxRequests;
+  if (options.timeout > 0) settings.requestTimeoutMs = Milliseconds(options.timeout);
+  settings.deadlineMs = options.deadline > 0 ? Milliseconds(options.deadline) : 0;
+  settings.maxHeldBytes = options.maxMemory;
+  settings.delayMs = options.delay;
+  std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", options.userAgent.c_str());
+  settings.obeyRobots = options.ignoreRobots ? 0 : 1;
+  return settings;
 }
 
 std::string PartialLine(const std::string& url, const std::string& reason, int64_t maxRequests,

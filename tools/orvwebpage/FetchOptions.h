@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "RunLimits.h"
 #include "orvwebpage/OrvHttpLimits.h"
 
 // Seconds above 0, at most 1000000; a number as the user writes one.
@@ -25,9 +26,23 @@ int32_t Milliseconds(double seconds);
 // --timeout and --user-agent, for commands that fetch one page.
 void AddFetchOptions(CLI::App* app, FetchOptions& options);
 
-// --deadline and --max-memory with their defaults (RunLimits.h), 0 lifting
-// each, for commands that crawl a site.
-void AddRunLimitOptions(CLI::App* app, double& deadline, int64_t& maxMemory);
+// How a command that crawls a site fetches, its request budget aside.
+struct CrawlOptions {
+  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
+  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
+  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
+  int32_t delay = 0;                          // milliseconds between requests
+  std::string userAgent;                      // empty: the library's own
+  std::string hosts;                          // empty: requests may go anywhere
+  bool ignoreRobots = false;
+};
+
+// --timeout, --deadline, --max-memory (defaults of RunLimits.h, 0 lifting
+// each), --delay, --user-agent and --hosts.
+void AddCrawlOptions(CLI::App* app, CrawlOptions& options);
+
+// The settings of a run with those options and that request budget in force.
+OrvHttpSettings CrawlSettings(const CrawlOptions& options, int64_t maxRequests);
 
 // The line on stderr for a run a limit cut ("request budget", "deadline",
 // "memory budget"): which, and how to lift it.

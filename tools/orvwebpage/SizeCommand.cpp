@@ -32,14 +32,8 @@ namespace {
 struct SizeOptions {
   SiteBatch batch;
   int64_t maxRequests = 60;
-  double timeout = 0;                         // seconds per request; 0: the HTTP layer's default
-  double deadline = kDefaultDeadlineSeconds;  // seconds for the whole run; 0: none
-  int64_t maxMemory = kDefaultMaxMemory;      // bytes the library may hold; 0: no budget
-  int32_t delay = 0;                          // milliseconds between requests
-  std::string userAgent;
-  std::string hosts;
+  CrawlOptions crawl;
   bool explain = false;
-  bool ignoreRobots = false;
 };
 
 std::string Text(const OrvString& text) { return text.buf ? std::string(text.buf, text.len) : ""; }
@@ -141,15 +135,9 @@ SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone,
                      OrvHttpRun& httpRun) {
   OrvSiteSize size;
   StopOnInterrupt stop([&size] { size.Stop(); });
-  OrvHttpSettings settings = OrvHttpLimits::Get();
-  settings.maxRequests = o.maxRequests;
-  if (o.timeout > 0) settings.requestTimeoutMs = Milliseconds(o.timeout);
-  settings.deadlineMs = o.deadline > 0 ? Milliseconds(o.deadline) : 0;
-  settings.maxHeldBytes = o.maxMemory;
-  settings.delayMs = o.delay;
-  std::snprintf(settings.userAgent, sizeof settings.userAgent, "%s", o.userAgent.c_str());
-  settings.obeyRobots = o.ignoreRobots ? 0 : 1;
-  if (!o.hosts.empty()) OrvHttpLimits::SetHosts(o.hosts.data(), long(o.hosts.size()));
+  OrvHttpSettings settings = CrawlSettings(o.crawl, o.maxRequests);
+  if (!o.crawl.hosts.empty())
+    OrvHttpLimits::SetHosts(o.crawl.hosts.data(), long(o.crawl.hosts.size()));
 
   std::unique_ptr<Progress> progress;
   if (alone && isatty(STDERR_FILENO)) {
@@ -162,7 +150,7 @@ SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone,
   OrvHttpLimits::Set(settings);
   std::string limit;
   {
-    RunWatch watch(start, o.deadline, o.maxMemory, [&] {
+    RunWatch watch(start, o.crawl.deadline, o.crawl.maxMemory, [&] {
       size.Stop();
       httpRun.Stop();
     });
@@ -203,7 +191,8 @@ SiteOutcome SizeSite(const SizeOptions& o, const std::string& url, bool alone,
     out["reason"] = interrupted ? "interrupted" : limit;
   }
   if (!interrupted && !limit.empty())
-    std::cerr << PartialLine(url, limit, o.maxRequests, o.deadline, o.maxMemory) << std::flush;
+    std::cerr << PartialLine(url, limit, o.maxRequests, o.crawl.deadline, o.crawl.maxMemory)
+              << std::flush;
   if (size.ExactWrapped()) out["wrapped"] = true;
   OrvStrArray refused;
   OrvHttpLimits::GetRobotsRefused(refused);
@@ -265,18 +254,10 @@ Command AddSizeCommand(CLI::App& parent) {
   AddSiteBatchOptions(app, o->batch, "sized", "size");
   app->add_option("--max-requests", o->maxRequests, "requests the whole run may make (60)")
       ->transform(WholeNumber(1, INT64_MAX, "N"));
-  app->add_option("--timeout", o->timeout, "seconds one request may take (default 30)")
-      ->check(kSeconds);
-  AddRunLimitOptions(app, o->deadline, o->maxMemory);
-  app->add_option("--delay", o->delay, "milliseconds to wait between requests")
-      ->transform(WholeNumber(0, INT32_MAX, "MS"));
-  app->add_option("--user-agent", o->userAgent, "User-Agent header to send")->check(kHeaderText);
-  app->add_option("--hosts", o->hosts,
-                  "only send requests to these hosts: HOST, *.DOMAIN, either with :PORT")
-      ->check(kHostPatterns);
+  AddCrawlOptions(app, o->crawl);
   app->add_flag("--json", o->batch.json,
                 "print one JSON document a site, one a line: url, pages, low, high, source, ...");
-  app->add_flag("--ignore-robots", o->ignoreRobots, "do not read or obey robots.txt files");
+  app->add_flag("--ignore-robots", o->crawl.ignoreRobots, "do not read or obey robots.txt files");
   app->add_flag("--explain", o->explain,
                 "also print what the figure is made of: sitemaps, listings, shapes");
   return {app, [o] {
