@@ -4,25 +4,19 @@
 
 #include <pybind11/stl.h>
 
-#include <chrono>
 #include <cmath>
-#include <condition_variable>
 #include <cstdio>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "Bindings.h"
 #include "EstimateExplain.h"
-#include "OffGilRun.h"
 #include "PyText.h"
 #include "RunLimits.h"
-#include "RunWatch.h"
+#include "SiteJob.h"
 #include "orvwebpage/OrvExactEstimate.h"
 #include "orvwebpage/OrvHttpLimits.h"
-#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 
 namespace orvpy {
@@ -34,7 +28,6 @@ PyTypeObject* listingType = nullptr;
 PyTypeObject* probeType = nullptr;
 
 constexpr double kMaxSeconds = 1e6;
-constexpr auto kSlice = std::chrono::milliseconds(50);
 
 int32_t Milliseconds(const std::optional<double>& seconds, const char* what, bool zeroOk) {
   if (!seconds) return 0;
@@ -111,73 +104,21 @@ PyObject* NewReasonText(const std::string& reason) {
 
 namespace {
 
-// What the worker and the waiting caller share; the worker may outlive
-// nothing of it, since the caller always joins.
-struct Crawl {
-  std::string url;
-  std::string hosts;  // empty: every host
-  bool explain = false, hostsRefused = false;
+struct Estimating : SiteJob {
+  bool explain = false;
   Explanation explanation;
-  OrvHttpSettings settings;
-  OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvWebPageCountEstimate estimator;
-  std::mutex lock;
-  std::condition_variable finished;
-  bool started = false, done = false, stopRequested = false;
   long estimate = 0;
   int64_t exact = 0;  // the same sum in 64 bits: where it differs, the estimate wrapped
   int64_t requests = 0, bytes = 0;
-  double seconds = 0;
-  std::string reason;  // the limit that cut the crawl, or empty
-  std::chrono::steady_clock::time_point start;
 
-  void Run() {
-    httpRun.Bind();
-    {
-      std::lock_guard<std::mutex> guard(lock);
-      hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
-      if (!stopRequested && !hostsRefused) {
-        OrvHttpLimits::ResetCounters();
-        start = std::chrono::steady_clock::now();
-        OrvHttpLimits::Set(settings);  // starts the deadline's clock
-        started = true;
-      }
-    }
-    if (started) {
-      {
-        RunWatch watch(start, double(settings.deadlineMs) / 1000, settings.maxHeldBytes, [this] {
-          estimator.StopEstimating();
-          httpRun.Stop();
-        });
-        estimate = estimator.EstimateCount(url.data(), long(url.size()));
-        reason = LimitReason(watch.Reason());
-      }
-      exact = OrvExactEstimate(estimator);
-      seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-      requests = OrvHttpLimits::GetRequests();
-      bytes = OrvHttpLimits::GetBytes();
-      if (explain) explanation = ReadExplanation(estimator);
-    }
-    httpRun.Unbind();
-    std::lock_guard<std::mutex> guard(lock);
-    done = true;
-    finished.notify_all();
-  }
-
-  // The estimator forgets a stop that comes before its crawl begins, so the
-  // caller repeats it every slice; stopping the HTTP run makes the queued
-  // rest of the crawl end at once, a request in flight included.
-  void Stop() {
-    std::lock_guard<std::mutex> guard(lock);
-    if (!stopRequested && started) httpRun.Stop();
-    stopRequested = true;
-    if (started) estimator.StopEstimating();
-  }
-
-  // Waits one slice; true once the crawl is done.
-  bool Wait() {
-    std::unique_lock<std::mutex> guard(lock);
-    return finished.wait_for(guard, kSlice, [this] { return done; });
+  void Crawl() override { estimate = estimator.EstimateCount(url.data(), long(url.size())); }
+  void StopCrawl() override { estimator.StopEstimating(); }
+  void Finish() override {
+    exact = OrvExactEstimate(estimator);
+    requests = OrvHttpLimits::GetRequests();
+    bytes = OrvHttpLimits::GetBytes();
+    if (explain) explanation = ReadExplanation(estimator);
   }
 };
 
@@ -245,7 +186,7 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
                     const py::object& maxMemory) {
   TextView view = ViewTextOrThrow(url, "url");
   CheckStopEvent(stop);
-  auto crawl = std::make_shared<Crawl>();
+  auto crawl = std::make_shared<Estimating>();
   crawl->url.assign(view.data, size_t(view.size));
   crawl->settings =
       MakeHttpSettings(maxRequests, timeout, deadline, delay, userAgent, obeyRobots, maxMemory);
@@ -253,8 +194,6 @@ py::object Estimate(const py::object& url, std::optional<int64_t> maxRequests,
   crawl->explain = explain;
 
   bool stopped = RunOffGil(crawl, stop);
-  if (crawl->hostsRefused)
-    throw py::value_error("hosts holds a malformed pattern: " + crawl->hosts);
 
   PyObject* result = PyStructSequence_New(resultType);
   if (!result) throw py::error_already_set();

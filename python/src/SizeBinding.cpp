@@ -4,89 +4,35 @@
 
 #include <pybind11/stl.h>
 
-#include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
-#include <thread>
 
 #include "Bindings.h"
-#include "OffGilRun.h"
 #include "PyText.h"
-#include "RunLimits.h"
-#include "RunWatch.h"
+#include "SiteJob.h"
 #include "orvwebpage/OrvHttpLimits.h"
-#include "orvwebpage/OrvHttpRun.h"
 #include "orvwebpage/OrvSiteSize.h"
 
 namespace orvpy {
 namespace {
 
 PyTypeObject* resultType = nullptr;
-constexpr auto kSlice = std::chrono::milliseconds(50);
 
 py::str Str(const OrvString& text) {
   return py::reinterpret_steal<py::str>(
       PyUnicode_DecodeUTF8(text.buf ? text.buf : "", text.len, "replace"));
 }
 
-struct Sizing {
-  std::string url;
+struct Sizing : SiteJob {
   int64_t maxRequests = 60;
-  OrvHttpSettings settings;
-  std::string hosts;   // empty: every host
-  OrvHttpRun httpRun;  // this call's limits and counters, whatever other threads run
   OrvSiteSize size;
-  std::mutex lock;
-  std::condition_variable finished;
-  bool started = false, done = false, stopRequested = false, hostsRefused = false;
-  double seconds = 0;
-  std::string reason;  // the limit that cut the measure, or empty
-  std::chrono::steady_clock::time_point start;
 
-  void Run() {
-    httpRun.Bind();
-    {
-      std::lock_guard<std::mutex> guard(lock);
-      hostsRefused = OrvHttpLimits::SetHosts(hosts.data(), long(hosts.size())) == 0;
-      if (!stopRequested && !hostsRefused) {
-        OrvHttpLimits::ResetCounters();
-        start = std::chrono::steady_clock::now();
-        OrvHttpLimits::Set(settings);
-        started = true;
-      }
-    }
-    if (started) {
-      {
-        RunWatch watch(start, double(settings.deadlineMs) / 1000, settings.maxHeldBytes, [this] {
-          size.Stop();
-          httpRun.Stop();
-        });
-        size.Measure(url.data(), long(url.size()), maxRequests);
-        reason = LimitReason(watch.Reason());
-      }
-      // The request budget is the plan of the measure, which spends it by design.
-      if (reason == "request budget") reason.clear();
-      seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
-    httpRun.Unbind();
-    std::lock_guard<std::mutex> guard(lock);
-    done = true;
-    finished.notify_all();
-  }
-
-  void Stop() {
-    std::lock_guard<std::mutex> guard(lock);
-    if (!stopRequested && started) httpRun.Stop();
-    stopRequested = true;
-    size.Stop();
-  }
-
-  bool Wait() {
-    std::unique_lock<std::mutex> guard(lock);
-    return finished.wait_for(guard, kSlice, [this] { return done; });
+  void Crawl() override { size.Measure(url.data(), long(url.size()), maxRequests); }
+  void StopCrawl() override { size.Stop(); }
+  // The request budget is the plan of the measure, which spends it by design.
+  void Finish() override {
+    if (reason == "request budget") reason.clear();
   }
 };
 
@@ -143,8 +89,6 @@ py::object Size(const py::object& url, int64_t maxRequests, std::optional<double
   sizing->hosts = HostPatterns(hosts);
 
   bool stopped = RunOffGil(sizing, stop);
-  if (sizing->hostsRefused)
-    throw py::value_error("hosts holds a malformed pattern: " + sizing->hosts);
 
   const OrvSiteSize& s = sizing->size;
   py::dict sitemap(py::arg("pages") = s.SitemapPages(), py::arg("low") = s.SitemapLow(),
