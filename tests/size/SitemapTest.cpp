@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <map>
 #include <sstream>
@@ -12,6 +11,7 @@
 #include "size/OrvSitemapSize.h"
 #include "size/OrvSitemapTotals.h"
 #include "support/Cases.h"
+#include "support/Gzip.h"
 #include "support/LocalServers.h"
 #include "support/SampleSite.h"
 
@@ -19,20 +19,6 @@ namespace {
 
 std::vector<std::vector<std::string>> Rows(const std::string& name, size_t width) {
   return ReadCases(ORV_CASES_DIR "/size/" + name, width, true);
-}
-
-std::string Gzip(const std::string& text) {
-  z_stream z{};
-  deflateInit2(&z, 9, Z_DEFLATED, 16 + MAX_WBITS, 8, Z_DEFAULT_STRATEGY);
-  std::string out(deflateBound(&z, uLong(text.size())) + 64, '\0');
-  z.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-  z.avail_in = uInt(text.size());
-  z.next_out = reinterpret_cast<Bytef*>(out.data());
-  z.avail_out = uInt(out.size());
-  deflate(&z, Z_FINISH);
-  out.resize(z.total_out);
-  deflateEnd(&z);
-  return out;
 }
 
 TEST(SiteScope, SameHostPortAndWww) {
