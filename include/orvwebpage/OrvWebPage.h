@@ -19,6 +19,7 @@
 #include "orvwebpage/OrvUrlFilterExtractor.h"
 #include "orvwebpage/OrvVersion.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
+#include "orvwebpage/OrvVisibleHtml.h"
 #include "orvwebpage/OrvWebPageCountEstimate.h"
 #include "orvwebpage/OrvWebPageUrl.h"
 #include "orvwebpage/OrvWebPageUrls.h"

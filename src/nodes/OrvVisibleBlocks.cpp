@@ -67,14 +67,16 @@ void OrvVisibleBlocks::Read(var_item* root) {
   for (int c = 0; c < count; c++) {
     void* handle = nodes.FetchClass(c);
     TextClass& out = classes->list.emplace_back();
+    bool block = c + 1 < count;  // the page class has no path to find
     items.clear();
+    out.texts.reserve(size_t(nodes.GetNodesCount(handle)));
     for (int i = 0; i < nodes.GetNodesCount(handle); i++) {
       var_item* item = nullptr;
       if (!nodes.FetchNode(handle, i, item)) continue;
       out.texts.push_back({item->text, MeasuredLen(item->text, item->text_len)});
-      items.push_back(item);
+      if (block) items.push_back(item);
     }
-    if (c + 1 < count) OrvItemPath(Holder(items), out.path);
+    if (block) OrvItemPath(Holder(items), out.path);
   }
 }
 

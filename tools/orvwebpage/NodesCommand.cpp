@@ -11,9 +11,8 @@
 #include "PageMemory.h"
 #include "PageSource.h"
 #include "ShownText.h"
-#include "orvwebpage/OrvBlockTextWalk.h"
-#include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
+#include "orvwebpage/OrvVisibleHtml.h"
 
 // orvwebpage nodes [--json] FILE|URL: the visible texts of a page in classes,
 // one per repeated block, each with the path of its block, and last the whole
@@ -28,8 +27,8 @@ struct NodesOptions {
 };
 
 // The classes of a page, read in place while its tree is open: the texts are
-// views into the tree, no copy of them is made for printing.
-class PageClasses : public OrvBlockTextSink {
+// the tree's own, no copy of them is made for printing.
+class PageClasses {
  public:
   PageClasses(std::string page, const std::string& contentType) {
     CheckPageMemory(page);
@@ -37,32 +36,28 @@ class PageClasses : public OrvBlockTextSink {
       throw CommandError("cannot parse the page");
     std::string().swap(page);  // the tree holds copies: the raw page is no longer needed
     blocks.Read(doc.root);
-    OrvWalkBlockTexts(blocks, *this);
   }
 
-  int Count() const { return int(classes.size()); }
-  const std::string& Path(int c) const { return classes[size_t(c)].path; }
+  int Count() const { return blocks.GetClassCount(); }
+  int TextCount(int c) const { return blocks.GetTextCount(c); }
+  std::string Path(int c) const {
+    OrvString path;
+    blocks.GetPath(c, path);
+    return std::string(path.buf ? path.buf : "", size_t(path.len));
+  }
   // Calls add(text) for each text of class c.
   template <class Add>
   void ForEachText(int c, Add add) const {
-    for (std::string_view text : classes[size_t(c)].texts) add(text);
-  }
-
-  void OnClass(const char* path, int32_t length) override {
-    classes.emplace_back().path.assign(path, size_t(length));
-  }
-  void OnText(const char* text, int32_t length) override {
-    classes.back().texts.emplace_back(text, size_t(length));
+    for (int i = 0; i < blocks.GetTextCount(c); i++) {
+      const char* text = nullptr;
+      int32_t length = 0;
+      if (blocks.GetText(c, i, text, length)) add(std::string_view(text, size_t(length)));
+    }
   }
 
  private:
-  struct TextClass {
-    std::string path;  // empty for the page
-    std::vector<std::string_view> texts;
-  };
-  OrvHtml doc;
+  OrvVisibleHtml doc;  // only what visible texts are read from
   OrvVisibleBlocks blocks;
-  std::vector<TextClass> classes;
 };
 
 // One line per text: whitespace runs become one blank, ends trimmed.
@@ -83,14 +78,12 @@ std::string OneLine(std::string_view text) {
 
 void PrintReadable(const PageClasses& classes) {
   int count = classes.Count();
-  size_t items = 0;
-  if (count > 0) classes.ForEachText(count - 1, [&items](std::string_view) { items++; });
+  size_t items = count > 0 ? size_t(classes.TextCount(count - 1)) : 0;
   std::cout << count << (count == 1 ? " class, " : " classes, ") << items
             << (items == 1 ? " visible text\n" : " visible texts\n");
   for (int c = 0; c < count; c++) {
     bool page = c + 1 == count;
-    size_t texts = 0;
-    classes.ForEachText(c, [&texts](std::string_view) { texts++; });
+    size_t texts = size_t(classes.TextCount(c));
     std::cout << "\n"
               << (page ? std::string("page") : "block " + std::to_string(c)) << " (" << texts
               << (texts == 1 ? " text)" : " texts)");

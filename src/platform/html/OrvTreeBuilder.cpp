@@ -65,21 +65,30 @@ htmlSAXHandler OrvTreeBuilder::Handler() {
 
 bool OrvTreeBuilder::Keeps(const OrvCachedName& name) const {
   if (scope == OrvTreeScope::kWhole || name.number == ORV_TAG_LINK) return true;
+  if (scope == OrvTreeScope::kTexts) return false;
   return CapsEqual(name.copy, name.length, "area", 4) ||
          CapsEqual(name.copy, name.length, "base", 4);
 }
 
-// Links are read from href and, on an area, alt.
+// Links are read from href and, on an area, alt; a block's likeness and path
+// from class and id.
 bool OrvTreeBuilder::KeepsAttr(const char* name) const {
   if (scope == OrvTreeScope::kWhole) return true;
-  size_t length = std::strlen(name);
-  return CapsEqual(name, int32_t(length), "href", 4) || CapsEqual(name, int32_t(length), "alt", 3);
+  int32_t length = int32_t(std::strlen(name));
+  if (scope == OrvTreeScope::kTexts)
+    return CapsEqual(name, length, "class", 5) || CapsEqual(name, length, "id", 2);
+  return CapsEqual(name, length, "href", 4) || CapsEqual(name, length, "alt", 3);
 }
 
 void OrvTreeBuilder::StartElement(const char* name, const char** atts) {
   FlushText();
   const OrvCachedName& cached = tags.Get(name, arena);
   bool raw = bodies && (cached.number == kScript || cached.number == kStyle);
+  if (scope == OrvTreeScope::kTexts) {
+    Defer(cached, atts);
+    if (raw) TakeRawBody(cached.number == kStyle);
+    return;
+  }
   if (!Keeps(cached)) {
     dropped.back()++;
     if (raw) TakeRawBody(cached.number == kStyle);
@@ -123,6 +132,7 @@ void OrvTreeBuilder::TakeRawBody(bool style) {
 
 void OrvTreeBuilder::EndElement() {
   FlushText();
+  if (EndDeferred()) return;
   if (dropped.back() > 0) {
     dropped.back()--;
     return;
@@ -163,14 +173,90 @@ void OrvTreeBuilder::FlushText() {
   size_t i = 0;
   while (i < length && IsAsciiSpace(text[i])) i++;
   if (i == length) return;
+  if (scope == OrvTreeScope::kTexts && !TextIsVisible()) return;
   text[length] = '\0';
   arena.Alloc(length + 1);
+  // Only now: the items are bumped out of the arena, where the run lay.
+  if (scope == OrvTreeScope::kTexts) MakeDeferredItems();
   var_item* item = NewItem();
   item->name = kTextName;
   item->name_len = 5;
   item->text = text;
   item->text_len = static_cast<int32_t>(length);
   Append(item);
+}
+
+void OrvTreeBuilder::Defer(const OrvCachedName& name, const char** atts) {
+  size_t from = deferredAttrs.size();
+  for (size_t i = 0; atts && atts[i]; i += 2) {
+    if (!KeepsAttr(atts[i])) continue;
+    const char* value = atts[i + 1] ? atts[i + 1] : "";
+    const char* key = atts[i];
+    deferredAttrs.insert(deferredAttrs.end(), reinterpret_cast<const char*>(&key),
+                         reinterpret_cast<const char*>(&key) + sizeof key);
+    deferredAttrs.insert(deferredAttrs.end(), value, value + std::strlen(value) + 1);
+  }
+  bool bare = from == deferredAttrs.size();
+  if (bare && !deferred.empty() && deferred.back().name.copy == name.copy &&
+      deferred.back().attrsFrom == from) {
+    deferred.back().count++;
+    return;
+  }
+  deferred.push_back(Deferred{name, from, 1});
+}
+
+// Closes the innermost open element if it is deferred; false when it is an item.
+bool OrvTreeBuilder::EndDeferred() {
+  if (deferred.empty()) return false;
+  Deferred& last = deferred.back();
+  if (--last.count == 0) {
+    deferredAttrs.resize(last.attrsFrom);
+    deferred.pop_back();
+  }
+  return true;
+}
+
+// Whether the text run at hand passes the visibility test the analysers
+// apply: a parent, and one whose text is shown.
+bool OrvTreeBuilder::TextIsVisible() const {
+  uint16_t parent;
+  if (!deferred.empty())
+    parent = deferred.back().name.number;
+  else if (current)
+    parent = current->tag_id;
+  else
+    return false;
+  return parent != ORV_TAG_NO_TEXT_A && parent != ORV_TAG_NO_TEXT_B && parent != ORV_TAG_NO_TEXT_C;
+}
+
+// The deferred elements become items, outermost first: a visible text is
+// about to come below them.
+void OrvTreeBuilder::MakeDeferredItems() {
+  for (const Deferred& open : deferred) {
+    for (uint64_t k = 0; k < open.count; k++) {
+      var_item* item = NewItem();
+      item->tag_id = open.name.number;
+      item->name = open.name.copy;
+      item->name_len = open.name.length;
+      const char* at = deferredAttrs.data() + open.attrsFrom;
+      const char* end = &open == &deferred.back() ? deferredAttrs.data() + deferredAttrs.size()
+                                                  : deferredAttrs.data() + (&open + 1)->attrsFrom;
+      var_attr** tail = &item->attr_list;
+      while (at < end) {
+        const char* key;
+        std::memcpy(&key, at, sizeof key);
+        const char* value = at + sizeof key;
+        at = value + std::strlen(value) + 1;
+        var_attr* attr = NewAttr(key, value);
+        *tail = attr;
+        tail = &attr->next;
+      }
+      Append(item);
+      PushLevel(item);
+    }
+  }
+  deferred.clear();
+  deferredAttrs.clear();
 }
 
 void OrvTreeBuilder::Lose() {

@@ -19,6 +19,10 @@ enum class OrvTreeScope {
   // alt attributes, and the texts inside an a element, each under its nearest
   // kept ancestor, in document order.
   kLinks,
+  // What visible texts and their classes are read from: text runs whose
+  // parent is an element other than script, style and title, and the
+  // elements above them with their id and class attributes, in document order.
+  kTexts,
 };
 
 // Builds the var_item forest in an arena from the parser's events, as they
@@ -56,6 +60,10 @@ class OrvTreeBuilder {
   void PushLevel(var_item* item);
   bool Keeps(const OrvCachedName& name) const;
   bool KeepsAttr(const char* name) const;
+  void Defer(const OrvCachedName& name, const char** atts);
+  bool EndDeferred();
+  bool TextIsVisible() const;
+  void MakeDeferredItems();
 
   OrvDocArena& arena;
   bool keepBytes;
@@ -68,6 +76,17 @@ class OrvTreeBuilder {
   // Open elements not kept, above the top level and above each kept one: a
   // page nested deep in elements not kept costs no memory per level.
   std::vector<uint64_t, OrvAllocator<uint64_t>> dropped{0};
+  // Open elements that are no items yet (kTexts): one becomes an item when a
+  // visible text comes below it. A run of one name without kept attributes
+  // is one entry, so a page nested deep in bare tags costs nothing per level.
+  struct Deferred {
+    OrvCachedName name;
+    size_t attrsFrom;  // its attributes in deferredAttrs, up to the next entry's
+    uint64_t count;
+  };
+  std::vector<Deferred, OrvAllocator<Deferred>> deferred;
+  // Name pointer of the parser, then the value and a NUL, for each kept attribute.
+  std::vector<char, OrvAllocator<char>> deferredAttrs;
   size_t openLinks = 0;  // open kept elements that are links
   size_t runLength = 0;  // bytes of the text run gathered at the arena's cursor
   uint64_t strayEndTagCost = 0;
