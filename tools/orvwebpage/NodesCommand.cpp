@@ -31,7 +31,7 @@ struct NodesOptions {
 class PageClasses {
  public:
   PageClasses(std::string page, const std::string& contentType) {
-    CheckPageMemory(page);
+    CheckPageMemory(page, PageTree::kTexts);
     if (doc.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8, contentType.c_str()) != 0)
       throw CommandError("cannot parse the page");
     std::string().swap(page);  // the tree holds copies: the raw page is no longer needed

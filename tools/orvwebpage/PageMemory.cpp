@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -13,12 +14,16 @@
 
 namespace {
 
-// What one tag costs while the tree is built, measured on pages of nothing
-// but tags, and how many copies of the page's bytes are alive at once.
-constexpr uint64_t kBytesPerTag = 160;
-constexpr uint64_t kPageCopies = 4;
-// A tree of links only: the parser's stack for every tag, items for links.
+// What one item of the tree costs with its share of the analysis, measured on
+// pages of nothing but tags, what each level of depth above a text adds to the
+// analysis, what the parser's stack holds for every tag, and how many copies
+// of the page's bytes are alive at once.
+constexpr uint64_t kBytesPerItem = 160;
+constexpr uint64_t kBytesPerLevel = 400;
 constexpr uint64_t kBytesPerStackTag = 16;
+constexpr uint64_t kPageCopies = 4;
+
+bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 
 uint64_t AvailableSystemMemory() {
   std::ifstream in("/proc/meminfo");
@@ -52,16 +57,39 @@ bool IsLinkTag(const char *p, const char *end) {
 }  // namespace
 
 void CheckPageMemory(std::string_view page, PageTree tree) {
-  uint64_t tags = 0, links = 0;
+  // Tags, start tags before the last text, texts, links, and the deepest
+  // nesting a text is met at: start tags less end tags, never below none.
+  uint64_t tags = 0, starts = 0, startsBeforeText = 0, texts = 0, links = 0;
+  uint64_t open = 0, deepestText = 0;
   const char *end = page.data() + page.size();
-  for (const char *p = page.data();
-       (p = static_cast<const char *>(std::memchr(p, '<', size_t(end - p)))) != nullptr; p++) {
+  const char *after = page.data();  // where the text after the last tag starts
+  for (const char *p = page.data();; p++) {
+    const char *tag = static_cast<const char *>(std::memchr(p, '<', size_t(end - p)));
+    const char *stop = tag ? tag : end;
+    if (tree == PageTree::kTexts && std::find_if_not(after, stop, IsBlank) != stop) {
+      texts++;
+      startsBeforeText = starts;
+      deepestText = std::max(deepestText, open);
+    }
+    if (!tag) break;
+    p = tag;
     tags++;
-    if (tree == PageTree::kLinks && IsLinkTag(p, end)) links++;
+    if (end - p >= 2 && p[1] == '/') {
+      open -= open > 0;
+    } else if (end - p >= 2 && std::isalpha(static_cast<unsigned char>(p[1]))) {
+      starts++;
+      open++;
+      if (tree == PageTree::kLinks && IsLinkTag(p, end)) links++;
+    }
+    const char *close = static_cast<const char *>(std::memchr(p, '>', size_t(end - p)));
+    after = close ? close + 1 : end;
+    if (close) p = close;
   }
-  uint64_t needed = kPageCopies * page.size() + kBytesPerTag * tags;
+  uint64_t needed = kPageCopies * page.size() + kBytesPerStackTag * tags;
   if (tree == PageTree::kLinks)
-    needed = kPageCopies * page.size() + kBytesPerStackTag * tags + 2 * kBytesPerTag * links;
+    needed += kBytesPerItem * 2 * links;
+  else
+    needed += kBytesPerItem * (startsBeforeText + texts) + kBytesPerLevel * deepestText;
   uint64_t left = std::min(AddressSpaceLeft(), AvailableSystemMemory());
   if (needed > left)
     throw CommandError("the page needs about " + Megabytes(needed) + " MB of memory to read, " +
