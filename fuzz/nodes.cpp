@@ -1,12 +1,16 @@
 // Documents and visible nodes. Input: the whole of it is one page, opened
 // keeping its bytes, decoded, and decoded under a Content-Type that the
-// input's length picks from a fixed list; every item of every class is read.
+// input's length picks from a fixed list; every item of every class is read,
+// and the lean tree of visible texts must give the same classes.
 
 #include <cstdint>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "FuzzInput.h"
 #include "orvwebpage/OrvHtml.h"
+#include "orvwebpage/OrvVisibleHtml.h"
 #include "orvwebpage/OrvWebPageVisibleNodes.h"
 
 namespace {
@@ -28,6 +32,23 @@ uint32_t TouchTree(var_item* root) {
   return sum;
 }
 
+// Every class's texts, one after another, each class closed by a NUL.
+std::string ClassTexts(var_item* root) {
+  OrvWebPageVisibleNodes nodes;
+  nodes.ClassifyNodes(root);
+  std::string out;
+  for (int c = 0; c < nodes.GetClassCount(); c++) {
+    void* handle = nodes.FetchClass(c);
+    for (int i = 0; i < nodes.GetNodesCount(handle); i++) {
+      var_item* item = nullptr;
+      nodes.FetchNode(handle, i, item);
+      out.append(item->text, size_t(MeasuredLen(item->text, item->text_len))).push_back('\n');
+    }
+    out.push_back('\0');
+  }
+  return out;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
@@ -44,6 +65,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const char* contentType = round == 2 ? contentTypes[size % 5] : nullptr;
     if (doc.Open(page.data(), long(page.size()), charset, contentType) != 0) continue;
     sink = sink + TouchTree(doc.root);
+    OrvVisibleHtml lean;
+    if (lean.Open(page.data(), long(page.size()), charset, contentType) != 0 ||
+        ClassTexts(lean.root) != ClassTexts(doc.root))
+      std::abort();
     nodes.ClassifyNodes(doc.root);
     int classes = nodes.GetClassCount();
     sink = sink + (nodes.FetchClass(-1) == nullptr) + (nodes.FetchClass(classes) == nullptr);

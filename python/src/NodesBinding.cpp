@@ -8,8 +8,8 @@
 #include "PyPage.h"
 #include "PyText.h"
 #include "orvwebpage/OrvBlockTextWalk.h"
-#include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvVisibleBlocks.h"
+#include "orvwebpage/OrvVisibleHtml.h"
 
 namespace orvpy {
 namespace {
@@ -43,7 +43,7 @@ std::pair<std::vector<py::list>, std::vector<py::object>> ReadClasses(const py::
   PageForParse parse = PreparePage(page, charset);
   keepBytes = parse.keepBytes;
   std::string& text = parse.text;
-  OrvHtml doc;
+  OrvVisibleHtml doc;  // only what visible texts are read from
   OrvVisibleBlocks blocks;
   ClassPieces pieces;
   {
