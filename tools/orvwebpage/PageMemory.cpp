@@ -17,8 +17,10 @@ namespace {
 // but tags, and how many copies of the page's bytes are alive at once.
 constexpr uint64_t kBytesPerTag = 160;
 constexpr uint64_t kPageCopies = 4;
-// A tree of links only: the parser's stack for every tag, items for links.
+// Links read as they are parsed: the parser's stack for every tag, and each
+// link's texts and their classification, with room to spare.
 constexpr uint64_t kBytesPerStackTag = 16;
+constexpr uint64_t kBytesPerLink = 160;
 
 uint64_t AvailableSystemMemory() {
   std::ifstream in("/proc/meminfo");
@@ -61,7 +63,7 @@ void CheckPageMemory(std::string_view page, PageTree tree) {
   }
   uint64_t needed = kPageCopies * page.size() + kBytesPerTag * tags;
   if (tree == PageTree::kLinks)
-    needed = kPageCopies * page.size() + kBytesPerStackTag * tags + 2 * kBytesPerTag * links;
+    needed = kPageCopies * page.size() + kBytesPerStackTag * tags + kBytesPerLink * links;
   uint64_t left = std::min(AddressSpaceLeft(), AvailableSystemMemory());
   if (needed > left)
     throw CommandError("the page needs about " + Megabytes(needed) + " MB of memory to read, " +
