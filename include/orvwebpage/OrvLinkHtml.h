@@ -6,10 +6,10 @@
 
 struct OrvDocArena;
 
-// Where OrvLinkHtml::Stream hands the tree, one complete top-level item at a
-// time: take gets the items of the top level completed since its last call,
-// with everything below them, which live until take returns. restart, when not null, is called when
-// the page is read again from its start: what take got so far is to be forgotten.
+// Where OrvLinkHtml::Stream hands the tree as it is parsed: take gets the
+// top-level items completed since its last call, with everything below them,
+// which live until take returns. restart, when not null, is called when the
+// page is read again from its start: what take got so far is to be forgotten.
 struct OrvLinkSink {
   void (*take)(var_item* top, void* user);
   void (*restart)(void* user);
