@@ -37,11 +37,23 @@ class ORV_API OrvPageLinks {
   // Always 1.
   int Read(var_item* root, const char* pageUrl, long len);
 
+  // The same reading in steps, for a page handed over a part at a time (see
+  // OrvLinkHtml::Stream): Begin forgets what was read before, each Add reads
+  // a forest of complete top-level items that follow the ones added before,
+  // in document order, and End resolves the links, as Read does. Items need
+  // not outlive Add. Get and HasBase read what End finished. End returns 1.
+  void Begin(const char* pageUrl, long len);
+  void Add(var_item* first);
+  int End();
+
   // 1 when the last Read had a base to resolve against.
   int HasBase() const;
   int GetCount() const;
   // 1 with link i (from 0), else 0 with both texts empty.
   int Get(int i, OrvString& url, OrvString& label) const;
+  // As Get, but moves the texts out and leaves link i with empty ones: for a
+  // reader that keeps the links elsewhere and wants no second copy alive.
+  int Take(int i, OrvString& url, OrvString& label);
 
  private:
   OrvPageLinksImpl* impl;

@@ -33,34 +33,20 @@ using OrvVector = std::vector<T, OrvAllocator<T>>;
 
 class OrvPageLinksImpl {
  public:
+  // Hrefs as written until End resolves them where they lie: the base may
+  // come after links.
   OrvVector<OrvString> urls;
   OrvVector<OrvString> labels;
   int hasBase = 0;
 
-  // The base must be known before the first link is resolved, and it may
-  // come after links: a first walk finds it and counts the links, so the
-  // second writes each link straight into lists of the right size.
-  const var_attr* base = nullptr;
-  size_t count = 0;
-  const OrvUrlResolver* resolver = nullptr;
+  OrvUrlResolver pageResolver;
+  bool baseSeen = false;  // the first base with an href, whose value is baseHref
+  OrvString baseHref;
   OrvVector<std::pair<int32_t, size_t>> open;  // depth of an open link, its index
 
-  static void Survey(var_item* item, int32_t, void* user) {
-    auto* self = static_cast<OrvPageLinksImpl*>(user);
-    if (item->tag_id == ORV_TAG_LINK) {
-      if (FindLinkAttr(item->attr_list)) self->count++;
-    } else if (IsNamed(item, "area", 4)) {
-      if (FindAttrByName(item->attr_list, "href", 4)) self->count++;
-    } else if (!self->base && IsNamed(item, "base", 4)) {
-      self->base = FindAttrByName(item->attr_list, "href", 4);
-    }
-  }
-
   size_t Add(const var_attr* target) {
-    OrvString& url = urls.emplace_back();
-    const char* href = target->value;
-    int32_t length = MeasuredLen(href, target->value_len);
-    if (!hasBase || !resolver->Resolve(href, length, url)) url.CopyBuf(href ? href : "", length);
+    urls.emplace_back().CopyBuf(target->value ? target->value : "",
+                                MeasuredLen(target->value, target->value_len));
     labels.emplace_back();
     return labels.size() - 1;
   }
@@ -87,6 +73,12 @@ class OrvPageLinksImpl {
       OrvString& label = self->labels[self->Add(target)];
       if (const var_attr* alt = FindAttrByName(item->attr_list, "alt", 3))
         AppendWords(label, alt->value, MeasuredLen(alt->value, alt->value_len));
+    } else if (!self->baseSeen && IsNamed(item, "base", 4)) {
+      if (const var_attr* href = FindAttrByName(item->attr_list, "href", 4)) {
+        self->baseSeen = true;
+        self->baseHref.CopyBuf(href->value ? href->value : "",
+                               MeasuredLen(href->value, href->value_len));
+      }
     }
   }
 };
@@ -96,34 +88,46 @@ OrvPageLinks::OrvPageLinks() : impl(OrvNew<OrvPageLinksImpl>()) {}
 OrvPageLinks::~OrvPageLinks() { OrvDelete(impl); }
 
 int OrvPageLinks::Read(var_item* root, const char* pageUrl, long len) {
+  Begin(pageUrl, len);
+  Add(root);
+  return End();
+}
+
+void OrvPageLinks::Begin(const char* pageUrl, long len) {
   OrvVector<OrvString>().swap(impl->urls);
   OrvVector<OrvString>().swap(impl->labels);
   impl->open.clear();
-  impl->base = nullptr;
-  impl->count = 0;
-  if (root) WalkItems(root, 1, &OrvPageLinksImpl::Survey, impl);
+  impl->hasBase = 0;
+  impl->baseSeen = false;
+  impl->baseHref.Clear();
+  impl->pageResolver.SetBase(pageUrl, pageUrl ? len : 0);
+}
 
-  OrvUrlResolver pageResolver, resolver;
-  pageResolver.SetBase(pageUrl, pageUrl ? len : 0);
-  const OrvUrlResolver* use = &pageResolver;
-  if (impl->base) {
+void OrvPageLinks::Add(var_item* first) {
+  impl->open.clear();
+  if (first) WalkItems(first, 1, &OrvPageLinksImpl::Visit, impl);
+  impl->open.clear();
+}
+
+int OrvPageLinks::End() {
+  OrvUrlResolver resolver;
+  const OrvUrlResolver* use = &impl->pageResolver;
+  if (impl->baseSeen) {
     OrvString base;
-    if (pageResolver.Resolve(impl->base->value,
-                             MeasuredLen(impl->base->value, impl->base->value_len), base) &&
+    if (impl->pageResolver.Resolve(impl->baseHref.buf, impl->baseHref.len, base) &&
         resolver.SetBase(base.buf, base.len))
       use = &resolver;
   }
   impl->hasBase = use->HasBase();
-  impl->resolver = use;
-
-  impl->urls.reserve(impl->count);
-  impl->labels.reserve(impl->count);
-  if (root) WalkItems(root, 1, &OrvPageLinksImpl::Visit, impl);
+  if (impl->hasBase) {
+    for (OrvString& url : impl->urls) {
+      OrvString resolved;
+      if (use->Resolve(url.buf, url.len, resolved)) url = std::move(resolved);
+    }
+  }
   for (OrvString& label : impl->labels)
     while (label.len > 0 && label.buf[label.len - 1] == ' ') label.Cutlen(label.len - 1);
-  impl->open.clear();
-  impl->base = nullptr;
-  impl->resolver = nullptr;
+  impl->baseHref.Clear();
   return 1;
 }
 
@@ -139,5 +143,12 @@ int OrvPageLinks::Get(int i, OrvString& url, OrvString& label) const {
   }
   url = impl->urls[size_t(i)];
   label = impl->labels[size_t(i)];
+  return 1;
+}
+
+int OrvPageLinks::Take(int i, OrvString& url, OrvString& label) {
+  if (i < 0 || size_t(i) >= impl->urls.size()) return Get(i, url, label);
+  url = std::move(impl->urls[size_t(i)]);
+  label = std::move(impl->labels[size_t(i)]);
   return 1;
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -16,9 +17,7 @@ namespace {
 const std::string kPageUrl = "http://s.test/dir/page.html";
 
 // Each link as URL and label, then whether there was a base.
-std::vector<std::string> LinksOf(var_item* root) {
-  OrvPageLinks links;
-  links.Read(root, kPageUrl.data(), long(kPageUrl.size()));
+std::vector<std::string> Listed(const OrvPageLinks& links) {
   std::vector<std::string> out;
   OrvString url, label;
   for (int i = 0; i < links.GetCount(); i++) {
@@ -28,6 +27,46 @@ std::vector<std::string> LinksOf(var_item* root) {
   }
   out.push_back(links.HasBase() ? "(base)" : "(no base)");
   return out;
+}
+
+std::vector<std::string> LinksOf(var_item* root) {
+  OrvPageLinks links;
+  links.Read(root, kPageUrl.data(), long(kPageUrl.size()));
+  return Listed(links);
+}
+
+// What the sink saw besides the links.
+struct Streamed {
+  std::vector<std::string> links;
+  int restarts = 0;
+  bool oneAtATime = true;  // each call got one top-level item
+};
+
+// The links read while the page is parsed, each top-level item gone once read.
+Streamed StreamLinks(const std::string& page) {
+  struct Reading {
+    OrvPageLinks links;
+    Streamed seen;
+  } reading;
+  OrvLinkSink sink{[](var_item* top, void* user) {
+                     auto* r = static_cast<Reading*>(user);
+                     r->seen.oneAtATime &= top && !top->next && !top->parent;
+                     r->links.Add(top);
+                     std::memset(static_cast<void*>(top), 0xA5, sizeof(var_item));
+                   },
+                   [](void* user) {
+                     auto* r = static_cast<Reading*>(user);
+                     r->seen.restarts++;
+                     r->links.Begin(kPageUrl.data(), long(kPageUrl.size()));
+                   },
+                   &reading};
+  reading.links.Begin(kPageUrl.data(), long(kPageUrl.size()));
+  OrvLinkHtml lean;
+  EXPECT_EQ(lean.Stream(page.data(), long(page.size()), ORV_CHARSET_UTF8, nullptr, sink), 0);
+  EXPECT_EQ(lean.root, nullptr);
+  reading.links.End();
+  reading.seen.links = Listed(reading.links);
+  return reading.seen;
 }
 
 // Items and attributes of a kind the link reader never reads, by name.
@@ -62,6 +101,9 @@ void ExpectSameLinks(const std::string& what, const std::string& page) {
   ASSERT_EQ(lean.Open(page.data(), long(page.size()), ORV_CHARSET_UTF8), 0) << what;
   EXPECT_EQ(LinksOf(lean.root), LinksOf(whole.root)) << what;
   EXPECT_EQ(UnexpectedItems(lean.root), std::vector<std::string>()) << what;
+  Streamed streamed = StreamLinks(page);
+  EXPECT_EQ(streamed.links, LinksOf(whole.root)) << what;
+  EXPECT_TRUE(streamed.oneAtATime) << what;
 }
 
 TEST(OrvLinkHtml, ReadsTheLinksOfTheWholeTree) {
@@ -93,6 +135,31 @@ TEST(OrvLinkHtml, DeepNestingCostsNoItems) {
   EXPECT_EQ(std::string(lean.root->child->text), "in");
   EXPECT_EQ(lean.Close(), 0);
   EXPECT_EQ(lean.root, nullptr);
+}
+
+}  // namespace
+
+namespace {
+
+// A page the parser reads where the cut script body was not expected is read
+// again whole: the links handed over from the first reading are forgotten.
+TEST(OrvLinkHtml, StreamStartsAgainWhenThePageIsReadAgain) {
+  std::string page = "<a href=1>x</a></b<script>y</script><base href=/b/><a href=2>z</a>";
+  OrvHtml whole;
+  std::string copy = page;
+  ASSERT_EQ(whole.Open(copy.data(), long(copy.size()), ORV_CHARSET_UTF8), 0);
+  Streamed streamed = StreamLinks(page);
+  EXPECT_EQ(streamed.restarts, 1);
+  EXPECT_EQ(streamed.links, LinksOf(whole.root));
+  EXPECT_EQ(StreamLinks("<a href=1>x</a><script>y</script>").restarts, 0);
+}
+
+TEST(OrvLinkHtml, StreamOfDeepMarkup) {
+  std::string page;
+  for (int i = 0; i < 1000000; i++) page += "<div>";
+  page += "<a href=deep>in</a><div>";
+  EXPECT_EQ(StreamLinks(page).links,
+            (std::vector<std::string>{"http://s.test/dir/deep", "in", "(base)"}));
 }
 
 }  // namespace

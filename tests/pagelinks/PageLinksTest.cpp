@@ -44,6 +44,19 @@ TEST(PageLinks, PageCases) {
     EXPECT_EQ(seen, std::vector<std::string>(c.begin() + 3, c.end())) << page;
     EXPECT_EQ(links.Get(links.GetCount(), url, label), 0);
     EXPECT_EQ(Str(url) + Str(label), "");
+    // Take gives the same texts and leaves none behind.
+    std::vector<std::string> taken;
+    for (int i = 0; i < links.GetCount(); i++) {
+      EXPECT_EQ(links.Take(i, url, label), 1);
+      taken.push_back(Str(url));
+      taken.push_back(Str(label));
+      links.Get(i, url, label);
+      EXPECT_EQ(Str(url) + Str(label), "");
+    }
+    EXPECT_EQ(taken, seen) << page;
+    url = OrvString("stale", 5);
+    EXPECT_EQ(links.Take(links.GetCount(), url, label), 0);
+    EXPECT_EQ(Str(url) + Str(label), "");
   }
 }
 

@@ -25,21 +25,20 @@ struct LinksOptions {
   bool json = false;
 };
 
+OrvString ToOrv(std::string_view s) { return OrvString(s.data(), long(s.size())); }
+
 // One link a line, "URL" or "URL<TAB>label". Blank lines carry no link; a
 // CR before the line break is taken as part of it.
 std::vector<PageLink> ParseLinkLines(const std::string& text) {
   std::vector<PageLink> links;
   ForEachInputLine(text, [&links](std::string_view line) {
     size_t tab = line.find('\t');
-    if (tab == std::string_view::npos)
-      links.push_back({std::string(line), std::string()});
-    else
-      links.push_back({std::string(line.substr(0, tab)), std::string(line.substr(tab + 1))});
+    std::string_view url = line.substr(0, tab), label;
+    if (tab != std::string_view::npos) label = line.substr(tab + 1);
+    links.push_back({ToOrv(url), ToOrv(label)});
   });
   return links;
 }
-
-OrvString ToOrv(const std::string& s) { return OrvString(s.data(), long(s.size())); }
 
 std::string FromOrv(const OrvString& s) {
   return s.len > 0 ? std::string(s.buf, size_t(s.len)) : std::string();
@@ -50,7 +49,7 @@ std::string FromOrv(const OrvString& s) {
 void Classify(OrvWebPageUrls& urls, const std::string& entry, std::vector<PageLink> input) {
   if (!entry.empty()) urls.SetEntryUrl(ToOrv(entry));
   for (auto& link : input) {
-    urls.AddLink(ToOrv(link.url), ToOrv(link.label), nullptr);
+    urls.AddLink(link.url, link.label, nullptr);
     link = PageLink();
   }
   std::vector<PageLink>().swap(input);

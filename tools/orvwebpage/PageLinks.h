@@ -3,10 +3,13 @@
 #include <string>
 #include <vector>
 
-// A link as the links command takes it: the target and a label.
+#include "orvwebpage/OrvString.h"
+
+// A link as the links command takes it: the target and a label, in the
+// classifier's own text type so that handing them over copies nothing more.
 struct PageLink {
-  std::string url;
-  std::string label;
+  OrvString url;
+  OrvString label;
 };
 
 // The `a` and `area` links of an HTML page, in document order, each resolved

@@ -22,6 +22,9 @@ constexpr uint64_t kBytesPerItem = 160;
 constexpr uint64_t kBytesPerLevel = 400;
 constexpr uint64_t kBytesPerStackTag = 16;
 constexpr uint64_t kPageCopies = 4;
+// Links read as they are parsed: each link's texts and their classification,
+// with room to spare.
+constexpr uint64_t kBytesPerLink = 160;
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 
@@ -87,7 +90,7 @@ void CheckPageMemory(std::string_view page, PageTree tree) {
   }
   uint64_t needed = kPageCopies * page.size() + kBytesPerStackTag * tags;
   if (tree == PageTree::kLinks)
-    needed += kBytesPerItem * 2 * links;
+    needed += kBytesPerLink * links;
   else
     needed += kBytesPerItem * (startsBeforeText + texts) + kBytesPerLevel * deepestText;
   uint64_t left = std::min(AddressSpaceLeft(), AvailableSystemMemory());

@@ -62,12 +62,14 @@ constexpr int kLost = -1;
 // where it was cut (the arena then holds a tree to throw away).
 [[nodiscard]] int ParsePage(const char* page, size_t size, const OrvPageCharset& decided,
                             bool keepBytes, const char* uncut, OrvRawBodies* bodies,
-                            OrvTreeScope scope, OrvDocArena& arena, var_item*& root) {
+                            OrvTreeScope scope, OrvDocArena& arena, var_item*& root,
+                            const OrvLinkSink* sink) {
   root = nullptr;
   htmlParserCtxtPtr ctxt = htmlCreateMemoryParserCtxt(page, int(size));
   if (!ctxt) return 1;
   OrvTreeBuilder builder(arena, keepBytes, uncut, bodies, scope);
   builder.ctxt = ctxt;
+  builder.sink = sink;
   htmlCtxtUseOptions(
       ctxt, HTML_PARSE_RECOVER | HTML_PARSE_NOERROR | HTML_PARSE_NOWARNING | HTML_PARSE_NONET);
   ctxt->options |= XML_PARSE_HUGE;
@@ -78,6 +80,7 @@ constexpr int kLost = -1;
   UseDecided(ctxt, decided);
   htmlParseDocument(ctxt);
   builder.FlushText();
+  builder.HandOver();
   ctxt->userData = ctxt;
   htmlFreeParserCtxt(ctxt);
   if (builder.lost || (bodies && bodies->next != bodies->list.size())) return kLost;
@@ -89,27 +92,29 @@ constexpr int kLost = -1;
 // again whole when a cut body was not met where it was cut.
 [[nodiscard]] int ParseCutOrWhole(const char* page, size_t size, const OrvPageCharset& decided,
                                   bool keepBytes, bool mayCut, OrvTreeScope scope,
-                                  OrvDocArena& arena, var_item*& root, int& parses) {
+                                  OrvDocArena& arena, var_item*& root, int& parses,
+                                  const OrvLinkSink* sink) {
   OrvRawBodies bodies;
   size_t cutSize = 0;
   OrvOwned<char> cut = mayCut ? OrvCutRawBodies(page, size, bodies, cutSize) : nullptr;
   if (cut) {
     int result =
-        ParsePage(cut.get(), cutSize, decided, keepBytes, page, &bodies, scope, arena, root);
+        ParsePage(cut.get(), cutSize, decided, keepBytes, page, &bodies, scope, arena, root, sink);
     parses++;
     cut.reset();
     if (result != kLost) return result;
     arena.Reset();
+    if (sink && sink->restart) sink->restart(sink->user);
   }
   parses++;
-  return ParsePage(page, size, decided, keepBytes, nullptr, nullptr, scope, arena, root);
+  return ParsePage(page, size, decided, keepBytes, nullptr, nullptr, scope, arena, root, sink);
 }
 
 }  // namespace
 
 int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const char* contentType,
                      OrvDocArena& arena, var_item*& root, bool cutRawBodies, int* parses,
-                     OrvTreeScope scope) {
+                     OrvTreeScope scope, const OrvLinkSink* sink) {
   root = nullptr;
   int parsed = 0;
   if (!parses) parses = &parsed;
@@ -123,5 +128,5 @@ int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset, const c
   if (page.size == 0) return 0;
   OrvQuietParser quiet;
   return ParseCutOrWhole(page.text, page.size, page.charset, charset == ORV_CHARSET_BYTES,
-                         cutRawBodies && page.plainUtf8, scope, arena, root, *parses);
+                         cutRawBodies && page.plainUtf8, scope, arena, root, *parses, sink);
 }

@@ -12,8 +12,11 @@
 // cutRawBodies false leaves every script and style body to the parser, which
 // gives the same tree more slowly; parses, if given, becomes the number of
 // times the parser ran (2 when cut bodies were not met where they were cut).
-// scope kLinks keeps only what links are read from (OrvTreeBuilder.h).
+// scope kLinks keeps only what links are read from (OrvTreeBuilder.h). With a
+// sink, each top-level item goes to it as soon as it is complete and root
+// stays null.
 [[nodiscard]] int OrvBuildHtmlTree(const char* text, long length, ORV_CHARSET charset,
                                    const char* contentType, OrvDocArena& arena, var_item*& root,
                                    bool cutRawBodies = true, int* parses = nullptr,
-                                   OrvTreeScope scope = OrvTreeScope::kWhole);
+                                   OrvTreeScope scope = OrvTreeScope::kWhole,
+                                   const OrvLinkSink* sink = nullptr);

@@ -24,3 +24,13 @@ int OrvLinkHtml::Open(const char* text, long length, ORV_CHARSET charset, const 
   if (result != 0) Close();
   return result;
 }
+
+int OrvLinkHtml::Stream(const char* text, long length, ORV_CHARSET charset, const char* contentType,
+                        const OrvLinkSink& sink) {
+  Close();
+  if (!arena) arena = OrvNew<OrvDocArena>();
+  int result = OrvBuildHtmlTree(text, length, charset, contentType, *arena, root, true, nullptr,
+                                OrvTreeScope::kLinks, sink.take ? &sink : nullptr);
+  Close();
+  return result;
+}

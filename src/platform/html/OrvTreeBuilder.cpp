@@ -82,7 +82,7 @@ bool OrvTreeBuilder::KeepsAttr(const char* name) const {
 
 void OrvTreeBuilder::StartElement(const char* name, const char** atts) {
   FlushText();
-  const OrvCachedName& cached = tags.Get(name, arena);
+  const OrvCachedName& cached = tags.Get(name, sink ? names : arena);
   bool raw = bodies && (cached.number == kScript || cached.number == kStyle);
   if (scope == OrvTreeScope::kTexts) {
     Defer(cached, atts);
@@ -142,6 +142,17 @@ void OrvTreeBuilder::EndElement() {
   lastChild.pop_back();
   if (scope == OrvTreeScope::kLinks) dropped.pop_back();
   current = current->parent;
+  if (!current) HandOver();
+}
+
+// No text run is pending here: every caller has just flushed it, or the
+// parse is over.
+void OrvTreeBuilder::HandOver() {
+  if (!sink || !first) return;
+  sink->take(first, sink->user);
+  first = nullptr;
+  lastTop = nullptr;
+  arena.Reset();
 }
 
 // The run is written where its item's text will lie: at the arena's
@@ -273,7 +284,7 @@ var_item* OrvTreeBuilder::NewItem() {
 var_attr* OrvTreeBuilder::NewAttr(const char* name, const char* value) {
   var_attr* attr = static_cast<var_attr*>(arena.Alloc(sizeof(var_attr)));
   *attr = var_attr{};
-  const OrvCachedName& cached = attrs.Get(name, arena);
+  const OrvCachedName& cached = attrs.Get(name, sink ? names : arena);
   attr->attr_id = cached.number;
   attr->name = cached.copy;
   attr->name_len = cached.length;

@@ -8,6 +8,7 @@
 
 #include "core/OrvMemory.h"
 #include "orvwebpage/OrvItem.h"
+#include "orvwebpage/OrvLinkHtml.h"
 #include "platform/html/OrvDocArena.h"
 #include "platform/html/OrvNameCache.h"
 #include "platform/html/OrvRawBodies.h"
@@ -41,6 +42,9 @@ class OrvTreeBuilder {
   static htmlSAXHandler Handler();
 
   htmlParserCtxtPtr ctxt = nullptr;
+  // When set, each top-level item goes to it once complete and the arena is
+  // emptied after it, so first only ever holds the items of one.
+  const OrvLinkSink* sink = nullptr;
   var_item* first = nullptr;
   bool lost = false;  // a cut body was not met where it was cut: parse again
 
@@ -50,6 +54,8 @@ class OrvTreeBuilder {
   void OnError(const xmlError* error);
   // Makes the text run so far an item, unless it is only ASCII whitespace.
   void FlushText();
+  // Hands what the top level holds to the sink, if any.
+  void HandOver();
 
  private:
   void TakeRawBody(bool style);
@@ -66,6 +72,8 @@ class OrvTreeBuilder {
   void MakeDeferredItems();
 
   OrvDocArena& arena;
+  // Copies of names when the arena is emptied after each top-level item.
+  OrvDocArena names;
   bool keepBytes;
   OrvNameCache tags;
   OrvNameCache attrs;
