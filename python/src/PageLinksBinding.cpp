@@ -8,13 +8,19 @@
 #include "Bindings.h"
 #include "PyPage.h"
 #include "PyText.h"
-#include "orvwebpage/OrvHtml.h"
+#include "orvwebpage/OrvLinkHtml.h"
 #include "orvwebpage/OrvPageLinks.h"
 
 namespace orvpy {
 namespace {
 
 PyTypeObject* pageLinkType = nullptr;
+
+struct LinkReading {
+  OrvPageLinks reader;
+  const std::string* pageUrl;
+  void Begin() { reader.Begin(pageUrl->data(), long(pageUrl->size())); }
+};
 
 py::list PageLinks(const py::object& page, const py::object& url, const std::string& charset) {
   PageForParse parse = PreparePage(page, charset);
@@ -23,16 +29,22 @@ py::list PageLinks(const py::object& page, const py::object& url, const std::str
   std::vector<std::pair<std::string, std::string>> links;
   {
     py::gil_scoped_release released;
-    OrvHtml doc;
-    OrvPageLinks reader;
-    if (doc.Open(parse.text.data(), long(parse.text.size()), parse.charset) == 0) {
-      reader.Read(doc.root, base.data(), long(base.size()));
-      OrvString link, label;
-      for (int i = 0; i < reader.GetCount(); i++)
-        if (reader.Get(i, link, label))
-          links.emplace_back(std::string(link.buf, size_t(link.len)),
-                             std::string(label.buf, size_t(label.len)));
-    }
+    LinkReading reading{{}, &base};
+    reading.Begin();
+    // Each link is read as soon as it is parsed: no tree of the page is held.
+    OrvLinkSink sink{
+        [](var_item* top, void* user) { static_cast<LinkReading*>(user)->reader.Add(top); },
+        [](void* user) { static_cast<LinkReading*>(user)->Begin(); }, &reading};
+    OrvLinkHtml doc;
+    if (doc.Stream(parse.text.data(), long(parse.text.size()), parse.charset, nullptr, sink) != 0)
+      reading.Begin();
+    OrvPageLinks& reader = reading.reader;
+    reader.End();
+    OrvString link, label;
+    for (int i = 0; i < reader.GetCount(); i++)
+      if (reader.Take(i, link, label))
+        links.emplace_back(std::string(link.buf ? link.buf : "", size_t(link.len)),
+                           std::string(label.buf ? label.buf : "", size_t(label.len)));
   }
   py::list out(links.size());
   for (size_t i = 0; i < links.size(); i++) {
