@@ -17,8 +17,8 @@ TEST(PageMemory, FitsOrIsRefusedNeverAborts) {
   for (const auto& c : ReadCases(ORV_CASES_DIR "/cli/page-memory.tsv", 8)) {
     SCOPED_TRACE(c[0]);
     std::string page;
-    for (long i = std::stol(c[2]); i > 0; i--) page += c[3];
-    TempFile file(page + c[4]);
+    for (long i = std::stol(c[2]); i > 0; i--) page += Unescape(c[3]);
+    TempFile file(page + Unescape(c[4]));
     std::string command = "ulimit -v " + std::to_string(std::stol(c[5]) * 1024) + " && exec " +
                           ToolPath("orvwebpage") + " " + c[1] + " " + file.path;
     ToolRun run = RunTool({"/bin/sh", "-c", command}, 60);
