@@ -137,6 +137,10 @@ TEST(OrvVisibleHtml, BareMarkupCostsNoItems) {
   ASSERT_NE(text, nullptr);
   EXPECT_EQ(Label(text), "shown");
   EXPECT_EQ(Label(text->parent), "p");
+  const var_attr* cls = FindAttrByName(text->parent->parent->attr_list, "class", 5);
+  ASSERT_NE(cls, nullptr);  // each of the run of like tags keeps its own
+  EXPECT_EQ(std::string(cls->value), "x");
+  EXPECT_EQ(Label(lean.root->child), "body");
   EXPECT_EQ(depth, 1000003);  // html, body, the divs and p
   EXPECT_EQ(lean.Close(), 0);
   EXPECT_EQ(lean.root, nullptr);

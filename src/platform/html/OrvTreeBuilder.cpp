@@ -2,6 +2,8 @@
 
 #include <libxml/parserInternals.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "platform/html/OrvHtmlNames.h"
@@ -207,11 +209,19 @@ void OrvTreeBuilder::Defer(const OrvCachedName& name, const char** atts) {
                          reinterpret_cast<const char*>(&key) + sizeof key);
     deferredAttrs.insert(deferredAttrs.end(), value, value + std::strlen(value) + 1);
   }
-  bool bare = from == deferredAttrs.size();
-  if (bare && !deferred.empty() && deferred.back().name.copy == name.copy &&
-      deferred.back().attrsFrom == from) {
-    deferred.back().count++;
-    return;
+  // The same name with the same kept attributes as the innermost entry: one
+  // more of it.
+  if (!deferred.empty() && deferred.back().name.copy == name.copy) {
+    size_t previous = deferred.back().attrsFrom;
+    size_t length = from - previous;
+    if (deferredAttrs.size() - from == length &&
+        std::equal(deferredAttrs.begin() + std::ptrdiff_t(previous),
+                   deferredAttrs.begin() + std::ptrdiff_t(from),
+                   deferredAttrs.begin() + std::ptrdiff_t(from))) {
+      deferredAttrs.resize(from);
+      deferred.back().count++;
+      return;
+    }
   }
   deferred.push_back(Deferred{name, from, 1});
 }

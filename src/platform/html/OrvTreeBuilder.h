@@ -85,8 +85,9 @@ class OrvTreeBuilder {
   // page nested deep in elements not kept costs no memory per level.
   std::vector<uint64_t, OrvAllocator<uint64_t>> dropped{0};
   // Open elements that are no items yet (kTexts): one becomes an item when a
-  // visible text comes below it. A run of one name without kept attributes
-  // is one entry, so a page nested deep in bare tags costs nothing per level.
+  // visible text comes below it. A run of one name with the same kept
+  // attributes is one entry, so a page nested deep in one tag costs nothing
+  // per level.
   struct Deferred {
     OrvCachedName name;
     size_t attrsFrom;  // its attributes in deferredAttrs, up to the next entry's
