@@ -21,6 +21,8 @@ namespace {
 constexpr uint64_t kBytesPerItem = 160;
 constexpr uint64_t kBytesPerLevel = 400;
 constexpr uint64_t kBytesPerStackTag = 16;
+// An open element with attributes, before its first text.
+constexpr uint64_t kBytesPerDeferred = 48;
 constexpr uint64_t kPageCopies = 4;
 // Links read as they are parsed: each link's texts and their classification,
 // with room to spare.
@@ -63,7 +65,8 @@ void CheckPageMemory(std::string_view page, PageTree tree) {
   // Tags, start tags before the last text, texts, links, and the deepest
   // nesting a text is met at: start tags less end tags, never below none.
   uint64_t tags = 0, starts = 0, startsBeforeText = 0, texts = 0, links = 0;
-  uint64_t open = 0, deepestText = 0;
+  uint64_t open = 0, deepestText = 0, deferredBytes = 0;
+  std::string_view lastStart;
   const char *end = page.data() + page.size();
   const char *after = page.data();  // where the text after the last tag starts
   for (const char *p = page.data();; p++) {
@@ -85,6 +88,14 @@ void CheckPageMemory(std::string_view page, PageTree tree) {
       if (tree == PageTree::kLinks && IsLinkTag(p, end)) links++;
     }
     const char *close = static_cast<const char *>(std::memchr(p, '>', size_t(end - p)));
+    if (tree == PageTree::kTexts && p[1] != '/') {
+      // A start tag with attributes waits with them until a text comes below
+      // it, unless it repeats the one before.
+      std::string_view start(p, size_t((close ? close : end) - p));
+      if (std::find_if(start.begin(), start.end(), IsBlank) != start.end() && start != lastStart)
+        deferredBytes += kBytesPerDeferred + start.size();
+      lastStart = start;
+    }
     after = close ? close + 1 : end;
     if (close) p = close;
   }
@@ -92,7 +103,8 @@ void CheckPageMemory(std::string_view page, PageTree tree) {
   if (tree == PageTree::kLinks)
     needed += kBytesPerLink * links;
   else
-    needed += kBytesPerItem * (startsBeforeText + texts) + kBytesPerLevel * deepestText;
+    needed +=
+        kBytesPerItem * (startsBeforeText + texts) + kBytesPerLevel * deepestText + deferredBytes;
   uint64_t left = std::min(AddressSpaceLeft(), AvailableSystemMemory());
   if (needed > left)
     throw CommandError("the page needs about " + Megabytes(needed) + " MB of memory to read, " +
