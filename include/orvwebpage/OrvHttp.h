@@ -49,6 +49,9 @@ class ORV_API OrvHttp {
   // Replaces body with the body of the last response. Gives 1, or 0 with an
   // empty body when the last Run did not give ORV_HTTP_OK.
   int GetBody(OrvString& body);
+  // As GetBody, but the body moves instead of being copied: the response
+  // keeps none, so a later GetBody gives an empty one until the next Run.
+  int TakeBody(OrvString& body);
 
   // The status code of the last final response, 0 when none came.
   long GetResponseCode() const;

@@ -86,7 +86,7 @@ bool IsNewShape(Crawl& crawl, OrvPageRecord* record) {
 
 bool FetchAndOpen(Crawl& crawl, const OrvPageRecord& record) {
   if (crawl.client.Run(record.url.buf, record.url.len, ORV_HTTP_METHOD(0)) != 0) return false;
-  crawl.client.GetBody(crawl.body);
+  crawl.client.TakeBody(crawl.body);  // the only copy while the page is parsed
   crawl.document.pageBytes = crawl.body.len;
   int opened = crawl.document.html->Open(crawl.body.buf, crawl.body.len, ORV_CHARSET(0));
   // The tree holds copies of the texts it needs.

@@ -141,6 +141,12 @@ TEST_F(Http, FetchesEndAsTheirCasesSay) {
       Fetched got = Fetch(server.Url(row[0]), &http);
       OrvString body("left over", -1), type("left over", -1);
       EXPECT_EQ(http.GetBody(body), got.status == ORV_HTTP_OK);
+      // Taking the body gives what GetBody gave and leaves none behind.
+      OrvString taken("left over", -1), after("left over", -1);
+      EXPECT_EQ(http.TakeBody(taken), got.status == ORV_HTTP_OK);
+      EXPECT_EQ(Text(taken), Text(body));
+      http.GetBody(after);
+      EXPECT_EQ(after.len, 0);
       int typed = http.GetContentType(type);
       EXPECT_EQ(typed, type.len > 0);
       int requests = std::stoi(row[6]);

@@ -2,6 +2,7 @@
 
 #include <climits>
 #include <cstring>
+#include <utility>
 
 #include "core/OrvMemory.h"
 #include "platform/http/OrvCurlGlobal.h"
@@ -45,6 +46,16 @@ int OrvHttp::GetBody(OrvString& body) {
     return 0;
   }
   body.CopyBuf(session->body.buf, session->body.len);
+  return 1;
+}
+
+int OrvHttp::TakeBody(OrvString& body) {
+  if (!session->hasBody) {
+    body.CopyBuf("", 0);
+    return 0;
+  }
+  body = std::move(session->body);
+  session->body = OrvString();
   return 1;
 }
 
