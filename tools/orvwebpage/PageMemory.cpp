@@ -88,7 +88,7 @@ void CheckPageMemory(std::string_view page, PageTree tree) {
       if (tree == PageTree::kLinks && IsLinkTag(p, end)) links++;
     }
     const char *close = static_cast<const char *>(std::memchr(p, '>', size_t(end - p)));
-    if (tree == PageTree::kTexts && p[1] != '/') {
+    if (tree == PageTree::kTexts && (end - p < 2 || p[1] != '/')) {
       // A start tag with attributes waits with them until a text comes below
       // it, unless it repeats the one before.
       std::string_view start(p, size_t((close ? close : end) - p));
