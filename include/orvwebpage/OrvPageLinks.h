@@ -1,6 +1,7 @@
 #pragma once
 
 #include "orvwebpage/OrvExport.h"
+#include "orvwebpage/OrvHtml.h"
 #include "orvwebpage/OrvItem.h"
 #include "orvwebpage/OrvString.h"
 
@@ -45,6 +46,11 @@ class ORV_API OrvPageLinks {
   void Begin(const char* pageUrl, long len);
   void Add(var_item* first);
   int End();
+  // Between Begin and End: adds the links of a whole page, read while it is
+  // parsed (OrvLinkHtml::Stream), so that no tree of it is held. text,
+  // length, charset and contentType as for OrvLinkHtml::Open. 0 on success;
+  // otherwise nothing of the page is added.
+  int AddPage(const char* text, long length, ORV_CHARSET charset, const char* contentType);
 
   // 1 when the last Read had a base to resolve against.
   int HasBase() const;

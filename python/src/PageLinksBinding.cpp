@@ -8,19 +8,12 @@
 #include "Bindings.h"
 #include "PyPage.h"
 #include "PyText.h"
-#include "orvwebpage/OrvLinkHtml.h"
 #include "orvwebpage/OrvPageLinks.h"
 
 namespace orvpy {
 namespace {
 
 PyTypeObject* pageLinkType = nullptr;
-
-struct LinkReading {
-  OrvPageLinks reader;
-  const std::string* pageUrl;
-  void Begin() { reader.Begin(pageUrl->data(), long(pageUrl->size())); }
-};
 
 py::list PageLinks(const py::object& page, const py::object& url, const std::string& charset) {
   PageForParse parse = PreparePage(page, charset);
@@ -29,16 +22,9 @@ py::list PageLinks(const py::object& page, const py::object& url, const std::str
   std::vector<std::pair<std::string, std::string>> links;
   {
     py::gil_scoped_release released;
-    LinkReading reading{{}, &base};
-    reading.Begin();
-    // Each link is read as soon as it is parsed: no tree of the page is held.
-    OrvLinkSink sink{
-        [](var_item* top, void* user) { static_cast<LinkReading*>(user)->reader.Add(top); },
-        [](void* user) { static_cast<LinkReading*>(user)->Begin(); }, &reading};
-    OrvLinkHtml doc;
-    if (doc.Stream(parse.text.data(), long(parse.text.size()), parse.charset, nullptr, sink) != 0)
-      reading.Begin();
-    OrvPageLinks& reader = reading.reader;
+    OrvPageLinks reader;
+    reader.Begin(base.data(), long(base.size()));
+    reader.AddPage(parse.text.data(), long(parse.text.size()), parse.charset, nullptr);
     reader.End();
     OrvString link, label;
     for (int i = 0; i < reader.GetCount(); i++)

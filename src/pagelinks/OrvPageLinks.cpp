@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/OrvMemory.h"
+#include "orvwebpage/OrvLinkHtml.h"
 #include "pagelinks/OrvUrlResolver.h"
 
 namespace {
@@ -43,6 +44,15 @@ class OrvPageLinksImpl {
   bool baseSeen = false;  // the first base with an href, whose value is baseHref
   OrvString baseHref;
   OrvVector<std::pair<int32_t, size_t>> open;  // depth of an open link, its index
+
+  // Back to the first `links` links, and to no base unless one was seen.
+  void TakeBack(size_t links, bool keepBase) {
+    urls.resize(links);
+    labels.resize(links);
+    if (keepBase) return;
+    baseSeen = false;
+    baseHref.Clear();
+  }
 
   size_t Add(const var_attr* target) {
     urls.emplace_back().CopyBuf(target->value ? target->value : "",
@@ -107,6 +117,23 @@ void OrvPageLinks::Add(var_item* first) {
   impl->open.clear();
   if (first) WalkItems(first, 1, &OrvPageLinksImpl::Visit, impl);
   impl->open.clear();
+}
+
+int OrvPageLinks::AddPage(const char* text, long length, ORV_CHARSET charset,
+                          const char* contentType) {
+  // What the page added is taken back when the parser starts it over or fails.
+  struct Reading {
+    OrvPageLinks* links;
+    size_t from;
+    bool baseSeen;
+    void TakeBack() const { links->impl->TakeBack(from, baseSeen); }
+  } reading{this, impl->urls.size(), impl->baseSeen};
+  OrvLinkSink sink{[](var_item* top, void* user) { static_cast<Reading*>(user)->links->Add(top); },
+                   [](void* user) { static_cast<Reading*>(user)->TakeBack(); }, &reading};
+  OrvLinkHtml doc;
+  int result = doc.Stream(text, length, charset, contentType, sink);
+  if (result != 0) reading.TakeBack();
+  return result;
 }
 
 int OrvPageLinks::End() {
